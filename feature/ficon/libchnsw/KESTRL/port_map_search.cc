@@ -1,0 +1,32 @@
+// The VSAN tally and the decision that every choice among several ports shares.
+#include "port_map_search.h"
+
+#include "port_map_tables.h"
+
+void chnsw::tally_vsan(port_tally& tally, vsan_choice& vsan, int32_t index, const ficon_pmap_port_entry& entry,
+                       uint32_t answer) {
+  if (vsan.given == nullptr) return;
+  vsan.read = *vsan.given;
+  if (vsan.use_table != 0) {
+    if (ficon_pmap_port_to_vsan[index] != vsan.read) return;
+    ++tally.in_vsan;
+    tally.last_in_vsan = answer;
+  }
+  if (is_bound_to(entry, static_cast<uint16_t>(vsan.read))) {
+    ++tally.bound;
+    tally.last_bound = answer;
+  }
+}
+
+chnsw::decision chnsw::decide(const port_tally& tally, const vsan_choice& vsan) {
+  if (tally.count == 1) return {verdict::one, tally.last};
+  if (tally.count == 0) return {verdict::none, 0};
+  if (vsan.given == nullptr) return {verdict::several, 0};
+  if (tally.in_vsan == 1) return {verdict::one, tally.last_in_vsan};
+  if (tally.in_vsan == 0 && vsan.use_table != 0) return {verdict::none_in_vsan, 0};
+  if (tally.bound == 1) return {verdict::one, tally.last_bound};
+  if (tally.bound > 1) return {verdict::several, 0};
+  if (tally.in_vsan == 0) return {verdict::none_in_vsan, 0};
+  // Oddity: only here is an answer handed back together with an ambiguity. Clients tell it by the cleared flag.
+  return {verdict::several_but_unbound, tally.last_in_vsan};
+}
