@@ -24,7 +24,9 @@ int if_index_get_type(uint32_t if_index, uint8_t* type);
 int if_index_get_slot(uint32_t if_index, uint8_t* slot); /* counted from 0; physical ports only */
 int if_index_get_port(uint32_t if_index, uint8_t* port); /* counted from 0; physical ports only */
 
-/* Builds the index of a physical Fibre Channel port. slot and port are counted from 0; zero is always 0. */
+/* Stores the index of a physical Fibre Channel port, which need not be there. slot and port are counted from 0; zero is
+ * always 0. Returns 0, or a status of the platform with *if_index untouched when no such index can be (a slot that the
+ * chassis does not have). */
 int if_index_phy_fc_port_init(uint32_t* if_index, uint8_t slot, uint8_t port, int zero);
 
 /* An index as it travels in messages, and back. */

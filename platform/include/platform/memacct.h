@@ -12,7 +12,8 @@ extern "C" {
 #pragma GCC visibility push(default)
 #endif
 
-/* Registers a library's memory types 0 to count - 1. The names stay the caller's and must live until memacct_uninit.
+/* Registers a library's memory types 0 to count - 1. The array and its names stay the caller's and must live until
+ * memacct_uninit.
  * May be called from a load hook, before any constructor of the process has run. Returns 0 on success. */
 int memacct_init(const char* library, uint32_t library_id, const char* const* type_names, uint32_t count);
 

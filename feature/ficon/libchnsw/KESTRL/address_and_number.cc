@@ -36,8 +36,6 @@ struct pa_to_pn {
                     tally.count, tally.bound, tally.last_bound, vsan.read, tally.in_vsan, vsan.use_table,
                     tally.last_in_vsan);
   }
-
-  static constexpr bool kTracesControlUnitPort = true;
 };
 
 struct pn_to_pa {
@@ -48,19 +46,7 @@ struct pn_to_pa {
   static bool counts(const ficon_pmap_port_entry&) { return true; }
   static void trace_entry(int32_t, const ficon_pmap_port_entry&) {}
   static void trace_end(const port_tally&, const vsan_choice&) {}
-
-  static constexpr bool kTracesControlUnitPort = false;
 };
-
-uint32_t prepare(vsan_choice& vsan, int32_t fast) {
-  if (fast != 0) {
-    vsan.use_table = vsan.given != nullptr ? fastpath_got_vsan_port : 0;
-    return 0;
-  }
-  const int32_t status = ficon_get_pmap_portpn();
-  if (status != 0) return static_cast<uint32_t>(status);
-  return chnsw::fetch_port_to_vsan(vsan.given, vsan.read, vsan.use_table);
-}
 
 template <typename direction>
 [[gnu::noinline]] void meet(int32_t index, const ficon_pmap_port_entry& entry, port_tally& tally, vsan_choice& vsan) {
@@ -71,10 +57,10 @@ template <typename direction>
   chnsw::tally_vsan(tally, vsan, index, entry, answer);
 }
 
-uint32_t conclude(const chnsw::decision& decision, int32_t number, uint16_t* answer, uint32_t* flag) {
-  switch (decision.outcome) {
+uint32_t conclude(const chnsw::decision& decided, int32_t number, uint16_t* answer, uint32_t* flag) {
+  switch (decided.outcome) {
     case chnsw::verdict::one:
-      *answer = static_cast<uint16_t>(decision.answer);
+      *answer = static_cast<uint16_t>(decided.answer);
       return 0;
     case chnsw::verdict::none:
       *answer = static_cast<uint16_t>(number);
@@ -84,7 +70,7 @@ uint32_t conclude(const chnsw::decision& decision, int32_t number, uint16_t* ans
     case chnsw::verdict::several:
       return FICON_RC_MULTI_IF;
     case chnsw::verdict::several_but_unbound:
-      *answer = static_cast<uint16_t>(decision.answer);
+      *answer = static_cast<uint16_t>(decided.answer);
       *flag = 0;
       return FICON_RC_MULTI_IF;
   }
@@ -97,14 +83,14 @@ uint32_t translate(int32_t number, const uint32_t* given_vsan, uint16_t* answer,
   *flag = 1;
 
   vsan_choice vsan(given_vsan);
-  const uint32_t status = prepare(vsan, fast);
+  const uint32_t status = chnsw::prepare(vsan, fast, ficon_get_pmap_portpn);
   if (status != 0) return status;
 
   port_tally tally(static_cast<uint16_t>(number));
   // Oddity: the control unit port comes before the range test, and ends like a number that nothing carries.
   if (number == FICON_PORT_CUP) {
     *answer = FICON_PORT_CUP;
-    if (direction::kTracesControlUnitPort) direction::trace_end(tally, vsan);
+    direction::trace_end(tally, vsan);
     return FICON_RC_PLATFORM;
   }
   if (number >= MAX_FICON_PORTS) return direction::kOutOfRange;

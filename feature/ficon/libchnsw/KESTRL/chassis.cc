@@ -1,8 +1,12 @@
 // Every per-chassis constant, as rows that are looked up by slot count and chassis type.
 #include "chassis.h"
 
+#include <cerrno>
+
+#include <libchnsw.h>
 #include <platform/hwinv.h>
-#include <platform/platform_info.h>
+
+#include "report.h"
 
 namespace {
 
@@ -11,40 +15,54 @@ using chnsw::kNoSupervisor;
 using chnsw::numbering;
 
 constexpr int kAny = -2;
+constexpr int kCard = FICON_PMAP_PORTS_PER_LC; // stride: a line card's indexes
+constexpr int kDense = 64;                     // stride of the dense layouts
 constexpr numbering kNone = {0, 0, 0, 0};
 
-// The first row that fits holds. What looks like a slip is not: clients were built against these numbers.
-// - Highest port number 253 stands in rows whose default numbering has no room for it (9 slots of types 32 and 38, 10 and
-// 13
-//   slots of type 38).
-// - 1 slot of type 27: 40 ports, yet the numbers without a port start at 240.
-// - 10 slots, and 18 slots of type 38, are laid out with stride 64; all others with one line card's 254 indexes. With that
-//   stride the 9-, 13- and 18-slot layouts reach the entries from 1024 on, which the logical numbers then overwrite.
-// - What is tested for is not always what is laid out: every 10-slot chassis is expected to hold eight groups of 48, and 13
-//   and 18 slots never count as default.
-// - 10 slots of type 32 and 18 slots of type 38: eight cards have default numbers, five and nine groups are laid out.
+// The first row that fits holds. What looks like a slip is not, clients were built against these numbers:
+// - The highest port number is 253 in rows whose default numbering has no room for it: 9 slots of types 32 and 38, 10
+//   and 13 slots of type 38.
+// - One slot of type 27 has 40 ports, yet its numbers without a port start at 240.
+// - With a whole card's stride the layouts of 9, 13 and 18 slots reach the entries from 1024 on, which the numbers
+//   without a port then overwrite.
+// - What is tested for is not always what is laid out: every chassis with 10 slots is expected to hold eight groups of
+//   48, and 13 and 18 slots never count as default.
+// - 10 slots of type 32 and 18 slots of type 38 have eight cards with default numbers, but five and nine groups laid out.
+//
+// clang-format off
 constexpr chassis_row kRows[] = {
-    // slots type  highest  supervisor     laid out              announced  cards  expected
-    //                                     groups ports stride N                   groups ports stride N
-    {1, 5, 33, kNoSupervisor, {1, 20, 254, 20}, false, 1, {1, 20, 254, 20}},
-    {1, 15, 47, kNoSupervisor, {1, 34, 254, 34}, false, 1, {1, 34, 254, 34}},
-    {1, 27, 253, kNoSupervisor, {1, 40, 254, 240}, false, 1, {1, 40, 254, 240}},
-    {1, kAny, 53, kNoSupervisor, {1, 40, 254, 40}, false, 1, {1, 40, 254, 40}},
-    {2, kAny, 77, kNoSupervisor, {2, 32, 254, 64}, false, 2, {2, 32, 254, 64}},
-    {6, 34, 253, 2, {4, 48, 254, 240}, false, 4, {4, 48, 254, 240}},
-    {6, kAny, 141, 4, {4, 32, 254, 128}, false, 4, {4, 32, 254, 128}},
-    {9, 32, 253, 4, {7, 32, 254, 224}, false, 7, {7, 32, 254, 224}},
-    {9, 38, 253, 4, {7, 32, 254, 224}, false, 7, {7, 32, 254, 224}},
-    {9, kAny, 237, 4, {7, 32, 254, 224}, false, 7, {7, 32, 254, 224}},
-    {10, 32, 253, 4, {5, 48, 64, 240}, true, 8, {8, 48, 64, 240}},
-    {10, 38, 253, 4, {8, 16, 64, 224}, true, 8, {8, 48, 64, 240}},
-    {10, kAny, 237, 4, {8, 16, 64, 224}, true, 8, {8, 48, 64, 240}},
-    {13, 38, 253, 6, {11, 16, 254, 224}, false, 11, kNone},
-    {13, kAny, 237, 6, {11, 16, 254, 224}, false, 11, kNone},
-    {18, 38, 253, 8, {9, 48, 64, 240}, false, 8, kNone},
-    {18, kAny, 237, 8, {14, 16, 254, 224}, false, 14, kNone},
-    {kAny, kAny, 0, kNoSupervisor, kNone, false, 0, kNone},
+    // slots  type  highest  supervisor  cards  announced   laid out                   expected
+    //                                                      groups ports stride first  groups ports stride first
+    {    1,    5,     33, kNoSupervisor,    1, false,     {  1, 20, kCard,   20},    { 1, 20, kCard,   20}},
+    {    1,   15,     47, kNoSupervisor,    1, false,     {  1, 34, kCard,   34},    { 1, 34, kCard,   34}},
+    {    1,   27,    253, kNoSupervisor,    1, false,     {  1, 40, kCard,  240},    { 1, 40, kCard,  240}},
+    {    1, kAny,     53, kNoSupervisor,    1, false,     {  1, 40, kCard,   40},    { 1, 40, kCard,   40}},
+    {    2, kAny,     77, kNoSupervisor,    2, false,     {  2, 32, kCard,   64},    { 2, 32, kCard,   64}},
+    {    6,   34,    253,             2,    4, false,     {  4, 48, kCard,  240},    { 4, 48, kCard,  240}},
+    {    6, kAny,    141,             4,    4, false,     {  4, 32, kCard,  128},    { 4, 32, kCard,  128}},
+    {    9,   32,    253,             4,    7, false,     {  7, 32, kCard,  224},    { 7, 32, kCard,  224}},
+    {    9,   38,    253,             4,    7, false,     {  7, 32, kCard,  224},    { 7, 32, kCard,  224}},
+    {    9, kAny,    237,             4,    7, false,     {  7, 32, kCard,  224},    { 7, 32, kCard,  224}},
+    {   10,   32,    253,             4,    8, true,      {  5, 48, kDense, 240},    { 8, 48, kDense, 240}},
+    {   10,   38,    253,             4,    8, true,      {  8, 16, kDense, 224},    { 8, 48, kDense, 240}},
+    {   10, kAny,    237,             4,    8, true,      {  8, 16, kDense, 224},    { 8, 48, kDense, 240}},
+    {   13,   38,    253,             6,   11, false,     { 11, 16, kCard,  224},    kNone},
+    {   13, kAny,    237,             6,   11, false,     { 11, 16, kCard,  224},    kNone},
+    {   18,   38,    253,             8,    8, false,     {  9, 48, kDense, 240},    kNone},
+    {   18, kAny,    237,             8,   14, false,     { 14, 16, kCard,  224},    kNone},
+    { kAny, kAny,      0, kNoSupervisor,    0, false,     kNone,                     kNone},
 };
+// clang-format on
+
+// Who looks a number up relies on this: no default number reaches FICON_PMAP_NO_NUMBER.
+constexpr bool every_number_is_a_number() {
+  for (const chassis_row& row : kRows) {
+    if (row.laid_out.groups * row.laid_out.ports > FICON_PMAP_NO_NUMBER) return false;
+    if (row.laid_out.logical_pn + FICON_PMAP_LOGICAL_PNS > FICON_PMAP_NO_NUMBER) return false;
+  }
+  return true;
+}
+static_assert(every_number_is_a_number());
 
 bool fits(const chassis_row& row, const chnsw::chassis_identity& chassis) {
   return row.num_slots == kAny || (row.num_slots == chassis.num_slots && (row.type == kAny || row.type == chassis.type));
@@ -58,6 +76,11 @@ int32_t chnsw::ask_chassis(chassis_identity& chassis) {
   chassis.num_slots = info.num_slots;
   if (hwinv_get_chassis_type(&chassis.type) != 0) return kNoChassisType;
   return 0;
+}
+
+// Oddity: the report does not end its line, so neither does its line on standard output.
+void chnsw::report_no_chassis_type() {
+  ficon_log_error("hwinv_get_chassis_type failed, errno = %d", errno);
 }
 
 const chnsw::chassis_row& chnsw::chassis_row_of(const chassis_identity& chassis) {

@@ -19,6 +19,9 @@ inline constexpr int32_t kNoChassisType = -2;
 // Asks the platform itself on every call, platform information first. Reports nothing; errno is the failing service's.
 int32_t ask_chassis(chassis_identity& chassis);
 
+// The error report of a chassis type that cannot be read, with errno.
+void report_no_chassis_type();
+
 inline constexpr int kNoSupervisor = -1;
 
 // Default port numbers: group g of groups holds PNs g x ports + 0 ... g x ports + ports - 1.
@@ -30,13 +33,13 @@ struct numbering {
 };
 
 struct chassis_row {
-  int num_slots; // kAny in the last row
-  int32_t type;  // kAny: every type that no earlier row names
-  int highest_pn;
+  int num_slots;      // kAny in the last row
+  int32_t type;       // kAny: every type that no earlier row names
+  int highest_pn;     // 0: unknown
   int supervisor;     // first of the two supervisor slots, from 0, or kNoSupervisor
-  numbering laid_out; // as it is laid out
-  bool announced;     // laying out prints the chassis on standard output
   int cards;          // line cards with default numbers
+  bool announced;     // laying out prints the chassis on standard output
+  numbering laid_out; // as it is laid out
   numbering expected; // as it is tested for
 };
 

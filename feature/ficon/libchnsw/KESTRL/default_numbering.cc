@@ -15,6 +15,13 @@ using chnsw::numbering;
 
 constexpr int32_t kTooFewEntries = -3;
 
+// The line that the trace of the chassis names.
+constexpr int kChassisLine = 1602;
+
+// What ficon_get_default_pn fills.
+constexpr int kCardList = FICON_PMAP_PORTS_PER_LC;
+constexpr int kLogicalList = 256;
+
 // Entries that hold the numbers without a physical port.
 constexpr int kFirstLogicalEntry = FICON_PMAP_PHYS_ENTRIES;
 
@@ -82,7 +89,7 @@ int32_t ficon_port_to_pn_init(int32_t count, ficon_pmap_port_entry* entries, int
   const int32_t status = chnsw::ask_chassis(chassis);
   if (status != 0) return status;
   if (count < FICON_PMAP_PORT_ENTRIES) return kTooFewEntries;
-  ficon_log_debug("%s(%d): Num Slots: %d Chassis Type: %d\n", "ficon_port_to_pn_init", __LINE__, chassis.num_slots,
+  ficon_log_debug("%s(%d): Num Slots: %d Chassis Type: %d\n", "ficon_port_to_pn_init", kChassisLine, chassis.num_slots,
                   chassis.type);
 
   const chassis_row& row = chnsw::chassis_row_of(chassis);
@@ -118,7 +125,7 @@ uint32_t ficon_get_default_pn(uint32_t slot, uint32_t logical, uint16_t* pns) {
     const int32_t status = ficonm_platform_slot_to_lc_b0(static_cast<uint8_t>(slot - 1), &card);
     if (status != 0) return static_cast<uint32_t>(status);
   }
-  const int length = logical != 0 ? FICON_PMAP_PORTS_PER_LC + 2 : FICON_PMAP_PORTS_PER_LC;
+  const int length = logical != 0 ? kLogicalList : kCardList;
   for (int k = 0; k < length; ++k) pns[k] = FICON_PMAP_NO_NUMBER;
 
   const chassis_row& row = chnsw::chassis_row_of(chassis);

@@ -11,9 +11,9 @@
 namespace chnsw {
 
 // Stores the interface that answers, 0 when none or several do, and returns the status.
-inline uint32_t conclude_interface(const decision& decision, uint32_t* if_index, uint32_t* flag) {
-  *if_index = decision.answer;
-  switch (decision.outcome) {
+inline uint32_t conclude_interface(const decision& decided, uint32_t* if_index, uint32_t* flag) {
+  *if_index = decided.answer;
+  switch (decided.outcome) {
     case verdict::one:
       return 0;
     case verdict::none:

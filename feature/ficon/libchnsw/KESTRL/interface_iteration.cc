@@ -1,8 +1,8 @@
 // The walk over the numbered physical interfaces, and a port address turned into an interface.
 #include <libchnsw.h>
-#include <platform/if_index.h>
 
 #include "port_map_tables.h"
+#include "port_services.h"
 
 namespace {
 
@@ -14,6 +14,7 @@ bool is_numbered(const ficon_pmap_port_entry& entry) {
 }
 
 // Where the walk stands: the physical port map index of an interface that has numbers.
+// Oddity: FICON_RC_NOT_FC_PORT, a plain 11, for an index behind the physical ones; clients test for it.
 int32_t find_index(uint32_t if_index, uint32_t& index) {
   ficon_pmap_port_entry entry = chnsw::kNoEntry;
   const int32_t status = ficon_pmap_get_if_to_pnpa_index_with2pmaps(if_index, &entry, &index, nullptr, nullptr, 0);
@@ -22,20 +23,16 @@ int32_t find_index(uint32_t if_index, uint32_t& index) {
   return is_numbered(entry) ? 0 : FICON_RC_INVALID_ARG;
 }
 
-int32_t build_interface(uint32_t line_card, uint32_t position, uint32_t* if_index) {
-  uint8_t slot = 0;
-  const int32_t status = ficonm_platform_lc_to_slot_b0(static_cast<uint8_t>(line_card), &slot);
-  if (status != 0) return status;
-  return if_index_phy_fc_port_init(if_index, slot, static_cast<uint8_t>(position), 0);
-}
+// Returned where an index is expected: none. Index 0 never is the next one.
+constexpr uint32_t kNoIndex = 0;
 
-// The next numbered index, or none (0 never is the next one). Oddity: behind an empty position only the first port of the
-// next line card is tried; the rest of this card is not searched.
+// Oddity: behind an empty position only the first port of the next line card is tried; the rest of this card is not
+// searched.
 uint32_t next_numbered_index(uint32_t index) {
   const uint32_t neighbour = index + 1;
   if (is_numbered(ficon_pmap_port_to_pn[neighbour])) return neighbour;
   const uint32_t next_card = (index / FICON_PMAP_PORTS_PER_LC + 1) * FICON_PMAP_PORTS_PER_LC;
-  if (next_card > kLastPhysicalIndex || !is_numbered(ficon_pmap_port_to_pn[next_card])) return 0;
+  if (next_card > kLastPhysicalIndex || !is_numbered(ficon_pmap_port_to_pn[next_card])) return kNoIndex;
   return next_card;
 }
 
@@ -50,8 +47,9 @@ int32_t ficon_pmap_get_next_if(uint32_t if_index, uint32_t* next_if_index) {
   if (status != 0) return status;
 
   const uint32_t next = next_numbered_index(index);
-  if (next == 0) return FICON_RC_PLATFORM;
-  return build_interface(next / FICON_PMAP_PORTS_PER_LC, next % FICON_PMAP_PORTS_PER_LC, next_if_index);
+  if (next == kNoIndex) return FICON_RC_PLATFORM;
+  return chnsw::build_interface(static_cast<uint8_t>(next / FICON_PMAP_PORTS_PER_LC),
+                                static_cast<uint8_t>(next % FICON_PMAP_PORTS_PER_LC), next_if_index);
 }
 
 int32_t ficon_pmap_get_last_if(uint32_t if_index, uint32_t* last_if_index) {
@@ -61,13 +59,15 @@ int32_t ficon_pmap_get_last_if(uint32_t if_index, uint32_t* last_if_index) {
   status = ficon_get_pmap_portpn();
   if (status != 0) return status;
 
+  // Oddity: on line card 4 too the walk starts at 253, although its physical positions end at 7: what it meets first
+  // there are the entries without a physical port.
   const uint32_t line_card = index / FICON_PMAP_PORTS_PER_LC;
   const int32_t own_position = static_cast<int32_t>(index % FICON_PMAP_PORTS_PER_LC);
   const ficon_pmap_port_entry* first = ficon_pmap_port_to_pn + line_card * FICON_PMAP_PORTS_PER_LC;
   int32_t position = kLastPosition;
   while (position >= own_position && !is_numbered(first[position])) --position;
   // Oddity: when the table changed since the look-up and none is left, this is one before the own position, 255 before 0.
-  return build_interface(line_card, static_cast<uint32_t>(position), last_if_index);
+  return chnsw::build_interface(static_cast<uint8_t>(line_card), static_cast<uint8_t>(position), last_if_index);
 }
 
 uint32_t ficon_pmap_get_pa_to_if(int32_t pa, uint32_t* if_index) {

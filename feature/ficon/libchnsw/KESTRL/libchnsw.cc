@@ -4,6 +4,7 @@
 #include <strings.h>
 
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 
 #include <platform/memacct.h>
@@ -59,7 +60,8 @@ void release(type*& buffer) {
 }
 
 [[gnu::constructor]] void load() {
-  const char* names[LIBCHNSW_MEM_TYPES_MAX];
+  // The accounting keeps the array, so it has to live as long as the library.
+  static const char* names[LIBCHNSW_MEM_TYPES_MAX];
   for (int32_t id = 0; id < LIBCHNSW_MEM_TYPES_MAX; ++id) names[id] = __libchnsw_mem_type_t_find(id);
   memacct_init("libchnsw", LIBCHNSW_MEM_LIB_ID, names, LIBCHNSW_MEM_TYPES_MAX);
 }

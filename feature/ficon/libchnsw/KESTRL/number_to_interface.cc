@@ -13,16 +13,9 @@ constexpr char kName[] = "ficon_pmap_get_pn_to_if_withpvsan";
 constexpr int kEntryLine = 2254;
 constexpr int kEndLine = 2286;
 
-uint32_t prepare(chnsw::vsan_choice& vsan, int32_t fast) {
-  if (fast != 0) {
-    vsan.use_table = vsan.given != nullptr ? fastpath_got_vsan_port : 0;
-    return 0;
-  }
-  int32_t status = ficon_get_pmap_pnif();
-  if (status != 0) return static_cast<uint32_t>(status);
-  status = ficon_get_pmap_portpn();
-  if (status != 0) return static_cast<uint32_t>(status);
-  return chnsw::fetch_port_to_vsan(vsan.given, vsan.read, vsan.use_table);
+int32_t fetch_numbers_and_ports() {
+  const int32_t status = ficon_get_pmap_pnif();
+  return status != 0 ? status : ficon_get_pmap_portpn();
 }
 
 // Whether a port is in no port-channel, for all that the service knows.
@@ -65,9 +58,10 @@ uint32_t ficon_pmap_get_pn_to_if_withpvsan(int32_t pn, const uint32_t* given_vsa
   *flag = 1;
 
   chnsw::vsan_choice vsan(given_vsan);
-  const uint32_t status = prepare(vsan, fast);
+  const uint32_t status = chnsw::prepare(vsan, fast, fetch_numbers_and_ports);
   if (status != 0) return status;
   if (pn >= MAX_FICON_PORTS) return FICON_RC_PN_RANGE;
+  // Oddity: an interface bound to the number answers for every VSAN. A negative number is not rejected, callers pass none.
   if (ficon_pmap_pn_to_logif[pn] != 0) {
     *if_index = ficon_pmap_pn_to_logif[pn];
     return 0;

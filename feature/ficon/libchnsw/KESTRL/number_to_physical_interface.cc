@@ -5,7 +5,6 @@
 #include "port_map_search.h"
 #include "port_map_tables.h"
 #include "port_services.h"
-#include "report.h"
 
 namespace {
 
@@ -14,25 +13,13 @@ constexpr int kFetchPortsLine = 3447;
 constexpr int kFetchNumbersLine = 3460;
 
 // One number's search.
-struct search {
+struct number_search {
   int32_t pn;
   const ficon_pmap_port_entry* port_to_pn;
   const uint32_t* pn_to_if;
   chnsw::vsan_choice vsan;
   chnsw::port_tally tally;
 };
-
-uint32_t fetch_ports() {
-  const int32_t status = ficon_get_pmap_portpn();
-  if (status != 0) ficon_log_error("%s(%d):failed to get pmap_portpn %d\n", kName, kFetchPortsLine, status);
-  return static_cast<uint32_t>(status);
-}
-
-uint32_t fetch_numbers() {
-  const int32_t status = ficon_get_pmap_pnif();
-  if (status != 0) ficon_log_error("%s(%d):failed to get pmap_pnif %d\n", kName, kFetchNumbersLine, status);
-  return static_cast<uint32_t>(status);
-}
 
 bool is_carried_by_further_entry(int32_t pn, const ficon_pmap_port_entry* port_to_pn) {
   constexpr int32_t kFurtherEntries = FICON_PMAP_PORT_ENTRIES - FICON_PMAP_PHYS_ENTRIES;
@@ -41,7 +28,7 @@ bool is_carried_by_further_entry(int32_t pn, const ficon_pmap_port_entry* port_t
 }
 
 // Ports in port-channels, and ports bound to no VSAN, qualify too.
-[[gnu::noinline]] void meet(int32_t index, search& search) {
+[[gnu::noinline]] void meet(int32_t index, number_search& search) {
   uint32_t if_index = 0;
   if (ficon_pmap_get_index_to_if_withpmap(index, static_cast<uint32_t>(search.pn), &if_index, search.pn_to_if) != 0) return;
   if (chnsw::find_port_index(if_index) != 0) return;
@@ -58,16 +45,17 @@ uint32_t ficon_pmap_get_pn_to_phyif_withpvsan(int32_t pn, const uint32_t* given_
   *flag = 1;
 
   chnsw::vsan_choice vsan(given_vsan);
-  uint32_t status = chnsw::fetch_port_to_vsan(vsan.given, vsan.read, vsan.use_table);
-  if (status != 0) return status;
-  status = fetch_ports();
-  if (status != 0) return status;
+  const uint32_t vsan_status = chnsw::fetch_port_to_vsan(vsan);
+  if (vsan_status != 0) return vsan_status;
+  int32_t status = chnsw::fetch_ports_or_report(kName, kFetchPortsLine);
+  if (status != 0) return static_cast<uint32_t>(status);
   if (pn >= pn_bound) return FICON_RC_PN_RANGE;
   if (pn_to_if == nullptr) {
-    status = fetch_numbers();
-    if (status != 0) return status;
+    status = chnsw::fetch_numbers_or_report(kName, kFetchNumbersLine);
+    if (status != 0) return static_cast<uint32_t>(status);
     pn_to_if = ficon_pmap_pn_to_logif;
   }
+  // Oddity: an interface bound to the number answers for every VSAN. A negative number is not rejected, callers pass none.
   if (pn_to_if[pn] != 0) {
     *if_index = pn_to_if[pn];
     return 0;
@@ -78,7 +66,7 @@ uint32_t ficon_pmap_get_pn_to_phyif_withpvsan(int32_t pn, const uint32_t* given_
     return 0;
   }
 
-  search search = {pn, ficon_pmap_port_to_pn, pn_to_if, vsan, chnsw::port_tally(0)};
+  number_search search = {pn, ficon_pmap_port_to_pn, pn_to_if, vsan, chnsw::port_tally(0)};
   chnsw::walk_down<&ficon_pmap_port_entry::pn>(search.port_to_pn, FICON_PMAP_PHYS_ENTRIES, pn,
                                                [&](int32_t index) { meet(index, search); });
   return chnsw::conclude_interface(chnsw::decide(search.tally, search.vsan), if_index, flag);

@@ -3,6 +3,25 @@
 
 #include "port_map_tables.h"
 
+uint32_t chnsw::prepare(vsan_choice& vsan, int32_t fast, int32_t (*fetch_others)()) {
+  if (fast != 0) {
+    vsan.use_table = vsan.given != nullptr ? fastpath_got_vsan_port : 0;
+    return 0;
+  }
+  const int32_t status = fetch_others();
+  return status != 0 ? static_cast<uint32_t>(status) : fetch_port_to_vsan(vsan);
+}
+
+uint32_t chnsw::fetch_port_to_vsan(vsan_choice& vsan) {
+  if (vsan.given == nullptr) return 0;
+  vsan.read = *vsan.given;
+  const int32_t status = ficon_get_pmap_portvsan(vsan.read);
+  vsan.use_table = status == 0;
+  // The fetch never answers so today; the searches do without the table all the same.
+  if (status == FICON_RC_PLATFORM) return 0;
+  return static_cast<uint32_t>(status);
+}
+
 void chnsw::tally_vsan(port_tally& tally, vsan_choice& vsan, int32_t index, const ficon_pmap_port_entry& entry,
                        uint32_t answer) {
   if (vsan.given == nullptr) return;

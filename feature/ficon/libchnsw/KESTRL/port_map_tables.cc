@@ -14,8 +14,14 @@ static_assert(sizeof(ficon_pmap_port_entry) == 20);
 static_assert(offsetof(ficon_pmap_port_entry, pn) == 0);
 static_assert(offsetof(ficon_pmap_port_entry, pa) == 2);
 static_assert(offsetof(ficon_pmap_port_entry, vsans) == 4);
+
+// Six words on a 32-bit machine.
+static_assert(offsetof(elemdb_request, first) == 0);
 static_assert(offsetof(elemdb_request, table) == 4);
 static_assert(offsetof(elemdb_request, key_length) == 8);
+static_assert(sizeof(void*) != 4 || offsetof(elemdb_request, key) == 12);
+static_assert(sizeof(void*) != 4 || offsetof(elemdb_request, value_length) == 16);
+static_assert(sizeof(void*) != 4 || offsetof(elemdb_request, value) == 20);
 static_assert(sizeof(void*) != 4 || sizeof(elemdb_request) == 24);
 
 uint16_t* ficon_pmap_port_to_vsan;
@@ -54,7 +60,7 @@ int32_t fetch_table(const table_row& row, element*& table, uint32_t elements) {
   if (table == nullptr) {
     table = static_cast<element*>(chnsw::allocate_tracked(row.memory_type, size, row.warning_line));
     if (table == nullptr) return FICON_RC_NO_MEMORY;
-    std::memset(table, 0, size);
+    std::memset(table, 0, static_cast<size_t>(size));
   }
   look_up_element(row.key, table, static_cast<uint32_t>(size));
   return 0;
@@ -106,17 +112,13 @@ int32_t ficon_pmap_prepare_fastpath(uint32_t vsan) {
   return 0;
 }
 
-// Oddity: neither report ends its line, so neither does its line on standard output.
+// Oddity: the report does not end its line, so neither does its line on standard output.
 int32_t ficon_cmi_get_max_portnumber(void) {
   chnsw::chassis_identity chassis;
   const int32_t status = chnsw::ask_chassis(chassis);
-  if (status == chnsw::kNoPlatformInfo) {
-    ficon_log_error("get_platform_info failed, errno = %d", errno);
-  } else if (status == chnsw::kNoChassisType) {
-    ficon_log_error("hwinv_get_chassis_type failed, errno = %d", errno);
-  }
-  if (status != 0) return status;
-  return chnsw::chassis_row_of(chassis).highest_pn;
+  if (status == chnsw::kNoPlatformInfo) ficon_log_error("get_platform_info failed, errno = %d", errno);
+  if (status == chnsw::kNoChassisType) chnsw::report_no_chassis_type();
+  return status != 0 ? status : chnsw::chassis_row_of(chassis).highest_pn;
 }
 
 int32_t ficon_get_max_ficon_ports(void) {
@@ -124,13 +126,14 @@ int32_t ficon_get_max_ficon_ports(void) {
   return MAX_FICON_PORTS;
 }
 
-uint32_t chnsw::fetch_port_to_vsan(const uint32_t* vsan, uint32_t& vsan_read, int32_t& in_use) {
-  in_use = 0;
-  if (vsan == nullptr) return 0;
-  vsan_read = *vsan;
-  const int32_t status = ficon_get_pmap_portvsan(vsan_read);
-  in_use = status == 0;
-  // The fetch never answers so today; the translations do without the table all the same.
-  if (status == FICON_RC_PLATFORM) return 0;
-  return static_cast<uint32_t>(status);
+int32_t chnsw::fetch_numbers_or_report(const char* operation, int line) {
+  const int32_t status = ficon_get_pmap_pnif();
+  if (status != 0) ficon_log_error("%s(%d):failed to get pmap_pnif %d\n", operation, line, status);
+  return status;
+}
+
+int32_t chnsw::fetch_ports_or_report(const char* operation, int line) {
+  const int32_t status = ficon_get_pmap_portpn();
+  if (status != 0) ficon_log_error("%s(%d):failed to get pmap_portpn %d\n", operation, line, status);
+  return status;
 }

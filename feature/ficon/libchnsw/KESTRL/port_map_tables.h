@@ -26,9 +26,9 @@ inline bool is_bound_to(const ficon_pmap_port_entry& entry, uint16_t vsan) {
   return false;
 }
 
-// The port-to-VSAN table for a translation that fetches. *vsan is read once; without a VSAN nothing is fetched. in_use
-// tells whether the table may be read. Returns 0 also when the table is unavailable but the translation can do without.
-uint32_t fetch_port_to_vsan(const uint32_t* vsan, uint32_t& vsan_read, int32_t& in_use);
+// Fetch a table and report a failure under the operation's name and line. Return the fetch's status.
+int32_t fetch_numbers_or_report(const char* operation, int line); // ficon_pmap_pn_to_logif
+int32_t fetch_ports_or_report(const char* operation, int line);   // ficon_pmap_port_to_pn
 
 } // namespace chnsw
 

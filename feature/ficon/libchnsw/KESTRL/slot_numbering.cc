@@ -1,12 +1,9 @@
 // Slots and line cards turned into each other, and a slot's port into its port map entry.
-#include <cerrno>
-
 #include <libchnsw.h>
 #include <platform/hwinv.h>
 
 #include "chassis.h"
 #include "port_map_tables.h"
-#include "report.h"
 
 namespace {
 
@@ -16,7 +13,7 @@ int32_t recall_chassis(chnsw::chassis_identity& chassis) {
   if (ficon_get_platform_info(&info) != 0) return FICON_RC_PLATFORM;
   chassis.num_slots = info.num_slots;
   if (hwinv_get_chassis_type(&chassis.type) != 0) {
-    ficon_log_error("hwinv_get_chassis_type failed, errno = %d", errno);
+    chnsw::report_no_chassis_type();
     return FICON_RC_PLATFORM;
   }
   return 0;
