@@ -1,0 +1,31 @@
+# What every target of the project is compiled with. Warnings are errors, with g++ and clang++ alike.
+
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
+
+# The library and the tool lie side by side at the top of the build folder.
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+
+add_compile_options(
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wformat=2 -Wundef -Wcast-qual -Wvla
+  -Wimplicit-fallthrough $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor> $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>
+  $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes> $<$<CXX_COMPILER_ID:GNU>:-Wcast-align=strict>
+  $<$<CXX_COMPILER_ID:Clang>:-Wcast-align>)
+
+# No path of the building machine in what is built. The last map that fits wins.
+add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+
+set(CHNSW_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
+if(CHNSW_SANITIZE)
+  add_compile_options(-fsanitize=${CHNSW_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${CHNSW_SANITIZE})
+endif()

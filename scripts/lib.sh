@@ -1,0 +1,31 @@
+# Shared by the scripts: where the tree is, how steps are told. To be sourced.
+
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+if [ -t 2 ] && [ -z "${NO_COLOR:-}" ]; then bold=$'\e[1m' plain=$'\e[0m'; else bold='' plain=''; fi
+
+# say TEXT...: what happens now.
+say() { printf '%s==> %s%s\n' "$bold" "$*" "$plain" >&2; }
+
+die() {
+  printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+  exit 1
+}
+
+# quietly COMMAND...: its output on a terminal as it comes; elsewhere only when it fails.
+quietly() {
+  if [ -t 2 ]; then "$@" >&2 && return 0 || return $?; fi
+  local log status=0
+  log=$(mktemp)
+  "$@" >"$log" 2>&1 || status=$?
+  [ "$status" -eq 0 ] || cat "$log" >&2
+  rm -f "$log"
+  return "$status"
+}
+
+# build PRESET: configures with the tests, builds what is out of date.
+build() {
+  quietly cmake --preset "$1" -DBUILD_TESTING=ON
+  quietly cmake --build --preset "$1"
+}
