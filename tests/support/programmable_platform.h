@@ -1,0 +1,194 @@
+/* The platform's services as a test wants them: programmable answers, and a log of every call in order. One object stands
+ * for the whole platform; the C services of platform/include are defined here and answer from it. */
+#ifndef TESTS_SUPPORT_PROGRAMMABLE_PLATFORM_H
+#define TESTS_SUPPORT_PROGRAMMABLE_PLATFORM_H
+
+#include <platform/elemdb.h>
+#include <platform/evtrc.h>
+#include <platform/hwinv.h>
+#include <platform/if_index.h>
+#include <platform/lagmap.h>
+#include <platform/memacct.h>
+#include <platform/platform_info.h>
+#include <platform/portidx.h>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace chnsw_test {
+
+// What a service answers: its status, and the errno that it leaves behind (0 leaves errno alone).
+struct service_answer {
+  int status = 0;
+  int error = 0;
+};
+
+// How one interface index differs from what its bits say. Bits: type in the top byte, slot in the next two, port in the
+// last.
+struct interface_answers {
+  std::optional<uint8_t> type;
+  int type_status = 0;    // of if_index_get_type
+  int slot_status = 0;    // of if_index_get_slot
+  int port_status = 0;    // of if_index_get_port
+  int portidx_status = 0; // of portidx_port_by_if_index
+  uint16_t port_index = 0;
+  int lag_status = 0;   // of lagmap_get_port
+  uint32_t channel = 0; // what lagmap_get_port stores when its status is 0
+};
+
+// One record as the event history received it.
+struct history_event {
+  uint32_t id;
+  uint32_t length;
+  uint32_t subtype;
+  std::string text; // up to the first NUL inside length
+};
+
+// One text as the debug output received it.
+struct debug_text {
+  int level;
+  bool own_module; // the module argument is the address of evtrc_dbg_modname
+  int zero;
+  std::string text;
+};
+
+// One call of memacct_alloc that was granted.
+struct allocation {
+  void* address;
+  uint32_t library_id;
+  uint32_t type;
+  uint32_t size;
+};
+
+// The byte that fresh allocations are filled with, so that missing clearing shows.
+inline constexpr uint8_t kGarbage = 0xA5;
+
+class programmable_platform {
+ public:
+  // Back to the default: a 10-slot chassis of type 32, every service succeeds, no element exists, nothing is filtered,
+  // debug output is off, and the log is empty.
+  void reset();
+
+  // ---- answers ----
+  void set_chassis(int num_slots, int32_t type);
+  ficon_platform_info info{};
+  service_answer info_answer; // of get_platform_info; a failure leaves the record alone
+  bool info_fills_on_failure = false;
+  int32_t chassis_type = 0;
+  service_answer chassis_answer; // of hwinv_get_chassis_type; a failure leaves the value alone
+
+  void set_element(uint32_t table, uint32_t key, std::vector<uint8_t> bytes);
+  template <class Value>
+  void set_element(uint32_t table, uint32_t key, const Value* values, size_t count) {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(values);
+    set_element(table, key, std::vector<uint8_t>(bytes, bytes + count * sizeof(Value)));
+  }
+  void remove_element(uint32_t table, uint32_t key);
+  // Every look-up of it; nothing is copied unless asked for.
+  void fail_element(uint32_t table, uint32_t key, int status, bool copies_all_the_same = false);
+  void fail_element_lookup(int nth, int status); // the nth look-up of any element since reset, from 1
+
+  interface_answers& interface(uint32_t if_index) { return interfaces_[if_index]; }
+  void fail_port_init(uint8_t slot, uint8_t port, int status); // of if_index_phy_fc_port_init; nothing is stored
+  void override_port_init(uint8_t slot, uint8_t port, uint32_t if_index);
+
+  void refuse_allocation(int nth) { refused_calls_.insert(nth); } // counted from 1 since reset
+  void refuse_type(uint32_t type) { refused_types_.insert(type); }
+  void grant_allocations(); // ends both
+  int memacct_init_status = 0;
+
+  std::set<uint32_t> filtered_subtypes; // evtrc_hist_event_subtype_check answers non-zero
+  std::set<int> debug_flags;            // evtrc_chk_int answers non-zero
+
+  // Runs after a call was logged and before it is answered, so that a test can change the world in mid-operation. Not
+  // called for calls that it makes itself.
+  std::function<void(const std::string& call)> on_call;
+  // Sees every look-up as it arrived, before it is answered.
+  std::function<void(const elemdb_request& request)> on_lookup;
+
+  // ---- what was called ----
+  // Every call but those of event history and debug output, as lines like "elemdb_lookup_element(1, 2, 4, key 3, 25600)".
+  std::vector<std::string> calls() const;
+  // Those of event history and debug output only.
+  std::vector<std::string> reporting_calls() const;
+  // Both, in order.
+  std::vector<std::string> all_calls() const;
+  // How many calls of calls() begin with this text.
+  int count(const std::string& prefix) const;
+
+  const std::vector<history_event>& history() const { return history_; }
+  const std::vector<debug_text>& debug_output() const { return debug_output_; }
+  std::vector<std::string> errors() const { return texts(102); }                     // history texts of error reports
+  std::vector<std::string> traces() const { return texts(103); }                     // history texts of traces
+  const std::vector<lagmap_port_query>& lag_queries() const { return lag_queries_; } // as they arrived
+  const std::vector<allocation>& allocations() const { return allocations_; }
+
+  // Forgets what was called; the answers stay, and calls are counted on.
+  void forget_calls();
+
+  // ---- for the C services ----
+  enum class kind { work, reporting };
+  void record(kind what, std::string line);
+  int answer(const service_answer& answer) const;
+  int lookup(const elemdb_request& request);
+  int port_init(uint32_t* if_index, uint8_t slot, uint8_t port);
+  void* allocate(uint32_t library_id, uint32_t type, uint32_t size);
+  void add_history(history_event event) { history_.push_back(std::move(event)); }
+  void add_debug_text(debug_text text) { debug_output_.push_back(std::move(text)); }
+  void add_lag_query(const lagmap_port_query& query) { lag_queries_.push_back(query); }
+
+ private:
+  struct logged_call {
+    kind what;
+    std::string line;
+  };
+  std::vector<std::string> lines(std::optional<kind> what) const;
+  std::vector<std::string> texts(uint32_t subtype) const;
+
+  std::map<std::pair<uint32_t, uint32_t>, std::vector<uint8_t>> elements_;
+  struct failing_element {
+    int status;
+    bool copies;
+  };
+  std::map<std::pair<uint32_t, uint32_t>, failing_element> failing_elements_;
+  std::map<int, int> failing_lookups_;
+  std::map<uint32_t, interface_answers> interfaces_;
+  std::map<std::pair<uint8_t, uint8_t>, int> failing_ports_;
+  std::map<std::pair<uint8_t, uint8_t>, uint32_t> overridden_ports_;
+  std::set<int> refused_calls_;
+  std::set<uint32_t> refused_types_;
+  int lookups_ = 0;
+  int allocation_calls_ = 0;
+  bool in_hook_ = false;
+
+  std::vector<logged_call> log_;
+  std::vector<history_event> history_;
+  std::vector<debug_text> debug_output_;
+  std::vector<lagmap_port_query> lag_queries_;
+  std::vector<allocation> allocations_;
+};
+
+// The one platform of this process. It lives from its first use on: the library's load hook calls before any constructor
+// of the process has run.
+programmable_platform& the_platform();
+
+// Interface indexes of this platform.
+constexpr uint32_t physical_interface(uint32_t slot, uint32_t port) {
+  return 0x01000000u | slot << 8 | port;
+}
+constexpr uint32_t port_channel_interface(uint32_t number) {
+  return 0x04000000u | number;
+}
+constexpr uint32_t fcip_interface(uint32_t number) {
+  return 0x0A000000u | number;
+}
+
+} // namespace chnsw_test
+
+#endif
