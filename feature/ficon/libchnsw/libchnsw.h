@@ -91,6 +91,15 @@ enum {
   FICON_PMAP_ELEM_CHANGE_COUNTER = 6 /* 32-bit counter that moves with every change */
 };
 
+/* Element database: table selector of the time-stamp references, keyed by 32-bit VSAN number. */
+enum { FICON_ELEMDB_TABLE_TSTMP = 1 };
+
+/* Texts of a TOD clock value. */
+enum {
+  FICON_TOD_FMT_DAY_FIRST = 0, /* "Mon Jan 5 09:07:03.123 2015" */
+  FICON_TOD_FMT_YEAR_FIRST = 1 /* "2015 Mon Jan 5 09:07:03.123" */
+};
+
 /* Event history: identifier, and subtypes which are also the debug flags. */
 enum { FICON_EVT_HIST_ID = 0x730000, FICON_EVT_ERROR = 102, FICON_EVT_DEBUG = 103 };
 
@@ -123,6 +132,27 @@ struct ficon_hist_record {
   char text[512];   /* NUL-terminated, cut to 511 characters */
 };
 
+/* Host time: seconds since 1970-01-01 00:00:00 UTC and microseconds within the second. */
+struct ficon_host_time {
+  int32_t seconds;
+  int32_t microseconds;
+};
+
+/* The time-stamp reference of a VSAN in the element database, 40 bytes: a host time and the TOD clock value of the same
+ * instant.
+ *
+ *   offset  0          12             16              20         24        32         40
+ *           | not read | ref_host_sec | ref_host_usec | not read | ref_tod | not read |
+ */
+struct ficon_vsan_tstmp_rec {
+  uint8_t not_read_0[12];
+  int32_t ref_host_sec;
+  int32_t ref_host_usec;
+  uint8_t not_read_20[4];
+  uint64_t ref_tod;
+  uint8_t not_read_32[8];
+};
+
 /* ---- Cached tables and what selects their size: zero or NULL when the library is loaded ---- */
 
 extern uint16_t* ficon_pmap_port_to_vsan;                   /* [1280] index -> VSAN that the port is in now */
@@ -133,6 +163,7 @@ extern uint8_t ficon_port_to_vsan_array[32];                /* copied for client
 extern int32_t MAX_FICON_PORTS;                             /* highest port number + 1; 0 until known */
 extern int32_t fastpath_got_vsan_port;                      /* 1: the fast path has the port-to-VSAN table */
 extern struct ficon_platform_info* libchnsw_pinfo;          /* the platform record; NULL until first asked for */
+extern uint64_t SECONDS_BTWN_EPOCHS;                        /* 2208988800, from 1900 to 1970; for clients */
 
 /* ---- Memory types and platform information ---- */
 
@@ -418,6 +449,41 @@ uint32_t ficon_pmap_get_info_in_vsan(uint32_t vsan, uint16_t** pns, uint16_t** p
  * flag: out, 0 for a physical interface, also when its slot or port cannot be found; 1 for a logical one.
  * Returns 0; FICON_RC_NOT_FC_PORT, an interface of another type; statuses of the interface services. All are reported. */
 int32_t ficon_if_to_slot_port_logic(uint32_t if_index, uint8_t* slot, uint8_t* port, uint32_t* flag);
+
+/* ---- Time of day ----
+ *
+ * tod: a TOD clock value (z/Architecture Principles of Operation, Timing): 64 bits since 1900-01-01 00:00:00 UTC, of
+ *   which bit 51, counted from the left, is a microsecond. No leap seconds. The largest value is in 2042.
+ * text_out: out, may be NULL. The address of the library's one text, which the next call overwrites; at most 31 characters.
+ * format: FICON_TOD_FMT_DAY_FIRST or FICON_TOD_FMT_YEAR_FIRST. With any other the text stays what it was.
+ *
+ * Microseconds are not padded: ".3" is 3 microseconds, not 300,000. */
+
+/* Writes the text of a TOD clock value. */
+void ficon_get_TOD_format(uint64_t tod, const char** text_out, int32_t format);
+
+/* The same with FICON_TOD_FMT_DAY_FIRST. */
+void ficon_get_TOD(uint64_t tod, const char** text_out);
+
+/* The TOD clock value of the host's time now, or of a given time.
+ * reference: in, required. A host time whose TOD clock value is known; zero seconds and zero microseconds: none is
+ *   known, and the host's time is taken to be right.
+ * reference_tod: that value; not used without a reference.
+ * now: in, required. The time to convert.
+ * Returns the value; 0 when the host's clock cannot be read. By a reference, the difference of the microseconds is added
+ *   in units of 1/4096 microsecond, so the fraction of a second follows the reference's, off by 244 microseconds at
+ *   most. */
+uint64_t ficon_cmi_compute_host_tstmp(const struct ficon_host_time* reference, uint64_t reference_tod);
+uint64_t ficon_cmi_compute_host_tstmp_given_time(const struct ficon_host_time* reference, uint64_t reference_tod,
+                                                 const struct ficon_host_time* now);
+
+/* The text of a VSAN's time now, or of a given time, by the VSAN's reference, which is read anew.
+ * now: in, required, read before the reference.
+ * Returns 0, also when the host's clock cannot be read (the text is then that of 0); FICON_RC_PLATFORM when the VSAN has no
+ * record or its record cannot be read, with text_out untouched and no text written. */
+uint32_t ficon_cmi_get_vsan_tstmp(uint32_t vsan, const char** text_out, int32_t format);
+uint32_t ficon_cmi_get_vsan_tstmp_given_time(uint32_t vsan, const char** text_out, int32_t format,
+                                             const struct ficon_host_time* now);
 
 #ifdef __GNUC__
 #pragma GCC visibility pop

@@ -40,7 +40,7 @@ void lay_out_logical(uint16_t first_pn, ficon_pmap_port_entry* entries) {
 }
 
 // Port addresses by port number. A laid out number is at most FICON_PMAP_NO_NUMBER, so one pass over the addresses finds
-// the lowest of each; looking every entry up among 256 addresses takes ten times as long (bench/port_map).
+// the lowest of each; looking every entry up among 256 addresses takes a hundred times as long (bench/port_map).
 class lowest_address {
  public:
   lowest_address(int32_t pa_count, const uint16_t* pa_to_pn) {
