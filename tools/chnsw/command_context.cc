@@ -1,0 +1,31 @@
+// What every command is given.
+#include "command_context.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+
+#include "tool_error.h"
+
+namespace chnsw_tool {
+
+const std::string& command_context::named_switch() const {
+  if (switch_path.empty())
+    throw usage_error("no switch is named; name a chassis file or a switch's folder with --switch PATH or in CHNSW_SWITCH");
+  return switch_path;
+}
+
+const std::string& command_context::named_folder(const std::string& reason) const {
+  const std::string& path = named_switch();
+  if (!is_folder(path)) {
+    opened_switch opened = open_switch(path);
+    throw usage_error(fmt::format("{} is a chassis file: {}", opened.path, reason));
+  }
+  return path;
+}
+
+void notice(const std::string& text) {
+  fmt::print(stderr, "chnsw: {}\n", text);
+}
+
+} // namespace chnsw_tool

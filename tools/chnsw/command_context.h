@@ -1,0 +1,33 @@
+// What every command is given: where its result goes, in which form, and which switch is meant.
+#ifndef CHNSW_COMMAND_CONTEXT_H
+#define CHNSW_COMMAND_CONTEXT_H
+
+#include <string>
+
+#include "library_session.h"
+#include "result_document.h"
+#include "result_stream.h"
+
+namespace chnsw_tool {
+
+struct command_context {
+  result_stream& results;
+  output_style style;
+  std::string switch_path; // empty when none was named
+
+  // The switch that was named, or a usage error when none was.
+  const std::string& named_switch() const;
+  library_session open_session() const { return library_session(open_switch(named_switch())); }
+
+  // The same for a command that needs a folder: reason says why a file will not do.
+  const std::string& named_folder(const std::string& reason) const;
+
+  void print(const result_document& document) const { results.write(render(document, style)); }
+};
+
+// A line on standard error, under the tool's name.
+void notice(const std::string& text);
+
+} // namespace chnsw_tool
+
+#endif

@@ -1,0 +1,58 @@
+// chnsw: asks a virtual switch's port map the way the switch itself would be asked.
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <exception>
+#include <string_view>
+
+#include "command_line.h"
+#include "tool_error.h"
+
+namespace chnsw_tool {
+
+namespace {
+
+bool is_set(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr && *value != '\0';
+}
+
+bool wants_colour(const std::string& choice, const result_stream& results) {
+  if (choice != "auto") return choice == "always";
+  const char* terminal = std::getenv("TERM");
+  bool dumb = terminal != nullptr && std::string_view(terminal) == "dumb";
+  return !is_set("NO_COLOR") && !dumb && results.is_terminal();
+}
+
+exit_code run(int argc, char** argv, result_stream& results) {
+  parsed_command_line line = parse_command_line(argc, argv);
+  if (!line.text.empty()) {
+    results.write(line.text);
+    return kFound;
+  }
+  return line.run({results, {line.format, wants_colour(line.colour, results)}, line.switch_path});
+}
+
+void tell(const tool_error& error) {
+  if (error.names_place())
+    fmt::print(stderr, "{}\n", error.what());
+  else if (*error.what() != '\0')
+    notice(error.what());
+}
+
+} // namespace
+
+} // namespace chnsw_tool
+
+int main(int argc, char** argv) {
+  try {
+    chnsw_tool::result_stream results;
+    return chnsw_tool::run(argc, argv, results);
+  } catch (const chnsw_tool::tool_error& error) {
+    chnsw_tool::tell(error);
+    return error.code();
+  } catch (const std::exception& error) {
+    chnsw_tool::notice(fmt::format("failed: {}", error.what()));
+    return chnsw_tool::kPlatform;
+  }
+}

@@ -1,0 +1,28 @@
+// Standard output, kept for results alone. Whatever else prints there, the library included, comes out on standard error.
+#ifndef CHNSW_RESULT_STREAM_H
+#define CHNSW_RESULT_STREAM_H
+
+#include <string_view>
+
+namespace chnsw_tool {
+
+class result_stream {
+ public:
+  // Takes standard output over, once a process, before anything else is opened.
+  result_stream();
+  ~result_stream();
+  result_stream(const result_stream&) = delete;
+  result_stream& operator=(const result_stream&) = delete;
+
+  bool is_terminal() const;
+
+  // Throws tool_error when not everything could be written; its message is empty when the reader has gone away.
+  void write(std::string_view text);
+
+ private:
+  int fd_;
+};
+
+} // namespace chnsw_tool
+
+#endif
