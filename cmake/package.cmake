@@ -18,6 +18,8 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/libchnsw-config-version.c
 install(FILES ${PROJECT_BINARY_DIR}/libchnsw-config.cmake ${PROJECT_BINARY_DIR}/libchnsw-config-version.cmake
         DESTINATION ${package})
 
+# A prefix that can be moved, or named at installation.
+file(RELATIVE_PATH from_pkgconfig_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 foreach(library IN ITEMS libchnsw libvswitch)
   configure_file(cmake/${library}.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

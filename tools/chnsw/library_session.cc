@@ -26,6 +26,8 @@ std::string objection(const vswitch::chassis_description& chassis, unsigned slot
   uint8_t card = 0;
   int32_t answer = ficonm_platform_slot_to_lc_b0(static_cast<uint8_t>(slot - 1), &card);
   std::string kind = fmt::format("a chassis of {} slots and type {}", chassis.slots(), chassis.type);
+  if (answer == FICON_RC_PLATFORM)
+    throw platform_error("the library cannot ask for slots: " + status_text(FICON_RC_PLATFORM));
   if (answer != 0)
     return fmt::format("slot {} is no line-card slot of {} (the library answers {}); put the card into another slot", slot,
                        kind, status_text(static_cast<uint32_t>(answer)));

@@ -34,6 +34,7 @@ std::optional<uint32_t> index_of(const port_row& row) {
   std::optional<uint32_t> if_index = is_interface(row.if_index) ? row.if_index : row.phyif_index;
   if (!is_interface(if_index)) return std::nullopt;
   if (auto port = vswitch::fc_port_of(*if_index)) return port_map_place(port->slot, port->port);
+  if (!row.if_answer) return std::nullopt; // the question was about the interface: the library has said all
   uint32_t index = 0;
   if (ficon_pmap_get_if_to_index(*if_index, &index) != 0) return std::nullopt;
   return index;
