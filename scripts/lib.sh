@@ -24,8 +24,10 @@ quietly() {
   return "$status"
 }
 
-# build PRESET: configures with the tests, builds what is out of date.
+# build PRESET [TARGET...]: configures with the tests, builds what is out of date.
 build() {
-  quietly cmake --preset "$1" -DBUILD_TESTING=ON
-  quietly cmake --build --preset "$1"
+  local preset=$1
+  shift
+  quietly cmake --preset "$preset" -DBUILD_TESTING=ON
+  quietly cmake --build --preset "$preset" ${1:+--target "$@"}
 }

@@ -90,11 +90,16 @@ databases open_all(MDB_txn* transaction, unsigned flags) {
 }
 
 void put_element(MDB_txn* transaction, const databases& where, uint32_t element, const void* value, size_t size) {
-  put(transaction, where.port_map, as_value(&element, sizeof element), as_value(value, size));
+  std::vector<std::byte> padded(kElementPadding + size);
+  std::memcpy(padded.data() + kElementPadding, value, size);
+  put(transaction, where.port_map, as_value(&element, sizeof element), as_value(padded.data(), padded.size()));
 }
 
 void get_element(MDB_txn* transaction, const databases& where, uint32_t element, void* value, size_t size) {
-  get(transaction, where.port_map, as_value(&element, sizeof element), value, size, "an element of the port map");
+  std::vector<std::byte> padded(kElementPadding + size);
+  get(transaction, where.port_map, as_value(&element, sizeof element), padded.data(), padded.size(),
+      "an element of the port map");
+  std::memcpy(value, padded.data() + kElementPadding, size);
 }
 
 void put_line_card(MDB_txn* transaction, const databases& where, const line_card& card) {
@@ -111,6 +116,14 @@ line_card line_card_from(uint32_t slot, const MDB_val& value) {
   if (value.mv_size < sizeof ports) damaged("a line card is cut");
   std::memcpy(&ports, value.mv_data, sizeof ports);
   return {slot, ports, std::string(text_of(value).substr(sizeof ports))};
+}
+
+// What clients read of a record; the rest stays zero.
+time_reference reference_from(const MDB_val& value) {
+  ficon_vsan_tstmp_rec record;
+  if (value.mv_size != sizeof record) damaged("a time stamp's reference");
+  std::memcpy(&record, value.mv_data, sizeof record);
+  return {{record.ref_host_sec, record.ref_host_usec}, record.ref_tod};
 }
 
 void write_chassis(MDB_txn* transaction, const databases& where, const chassis_description& chassis) {
@@ -171,6 +184,9 @@ chassis_description read_switch(MDB_txn* transaction, const databases& where) {
   for_each_numbered(transaction, where.vsans, [&](uint32_t number, const MDB_val& value) {
     chassis.vsans.emplace(static_cast<uint16_t>(number), text_of(value));
   });
+  for_each_numbered(transaction, where.time_stamps, [&](uint32_t vsan, const MDB_val& value) {
+    chassis.times.emplace(static_cast<uint16_t>(vsan), reference_from(value));
+  });
   chassis.map = read_map(transaction, where);
   chassis.change_counter = read_change_counter(transaction, where);
   return chassis;
@@ -188,6 +204,7 @@ void write_switch(MDB_txn* transaction, const databases& where, const chassis_de
     const uint32_t number = vsan;
     put(transaction, where.vsans, as_value(&number, sizeof number), as_value(name));
   }
+  for (const auto& [vsan, reference] : chassis.times) write_time_reference(transaction, where, vsan, reference);
   write_map(transaction, where, chassis.map);
   write_change_counter(transaction, where, chassis.change_counter);
 }
@@ -218,6 +235,30 @@ void write_map(MDB_txn* transaction, const databases& where, const port_map& map
   put_element(transaction, where, FICON_PMAP_ELEM_PORTPN, map.port_to_pn.data(), sizeof map.port_to_pn);
   put_element(transaction, where, FICON_PMAP_ELEM_VSAN_ARRAY, map.vsan_array.data(), sizeof map.vsan_array);
   put_element(transaction, where, FICON_PMAP_ELEM_PORTVSAN, map.port_to_vsan.data(), sizeof map.port_to_vsan);
+}
+
+std::optional<time_reference> read_time_reference(MDB_txn* transaction, const databases& where, uint32_t vsan) {
+  MDB_val key = as_value(&vsan, sizeof vsan);
+  MDB_val found;
+  const int error = mdb_get(transaction, where.time_stamps, &key, &found);
+  if (error == MDB_NOTFOUND) return std::nullopt;
+  check(error, "reading a record");
+  return reference_from(found);
+}
+
+void write_time_reference(MDB_txn* transaction, const databases& where, uint32_t vsan,
+                          const std::optional<time_reference>& reference) {
+  MDB_val key = as_value(&vsan, sizeof vsan);
+  if (!reference) {
+    const int error = mdb_del(transaction, where.time_stamps, &key, nullptr);
+    if (error != MDB_NOTFOUND) check(error, "removing a record");
+    return;
+  }
+  ficon_vsan_tstmp_rec record = {};
+  record.ref_host_sec = reference->host.seconds;
+  record.ref_host_usec = reference->host.microseconds;
+  record.ref_tod = reference->tod;
+  put(transaction, where.time_stamps, key, as_value(&record, sizeof record));
 }
 
 uint32_t read_change_counter(MDB_txn* transaction, const databases& where) {

@@ -11,20 +11,27 @@
 //   interfaces       32-bit if_index        32-bit if_index of each member
 //   vsans            32-bit VSAN            name
 //   table-1          32-bit VSAN            40-byte time-stamp record; the element database's table 1
-//   table-2          32-bit element         port map element; the element database's table 2
+//   table-2          32-bit element         kElementPadding zero bytes, then the port map element; the element
+//                                           database's table 2
 #ifndef VSWITCH_SWITCH_RECORDS_H
 #define VSWITCH_SWITCH_RECORDS_H
 
 #include <lmdb.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "chassis_description.h"
 
 namespace vswitch {
 
 inline constexpr unsigned kDatabases = 6;
-inline constexpr uint32_t kTimeStampTable = 1; // of the element database
+
+// A large value begins 16 bytes behind the beginning of a page. With these before it an element begins at a cache line, and
+// so do the blocks of memory accounting that it is copied to: a translation that fetches 25,600 bytes then takes 1.7 times a
+// memcpy of them, else 2.0 times (bench/port_map).
+inline constexpr size_t kElementPadding = 48;
 
 struct databases {
   MDB_dbi chassis;
@@ -52,6 +59,11 @@ void write_generation(MDB_txn* transaction, const databases& where, uint64_t gen
 
 port_map read_map(MDB_txn* transaction, const databases& where);
 void write_map(MDB_txn* transaction, const databases& where, const port_map& map);
+
+// The reference of a VSAN's time stamps, none when it has no record; writing none takes the record away.
+std::optional<time_reference> read_time_reference(MDB_txn* transaction, const databases& where, uint32_t vsan);
+void write_time_reference(MDB_txn* transaction, const databases& where, uint32_t vsan,
+                          const std::optional<time_reference>& reference);
 
 uint32_t read_change_counter(MDB_txn* transaction, const databases& where);
 void write_change_counter(MDB_txn* transaction, const databases& where, uint32_t counter);

@@ -44,6 +44,8 @@ class lmdb_store final : public switch_store {
   chassis_description describe() override;
   uint64_t generation() noexcept override;
   uint32_t change_map(const std::function<void(port_map&)>& change) override;
+  std::optional<time_reference> set_time_reference(uint32_t vsan,
+                                                   const std::optional<time_reference>& reference) override;
 
  private:
   void keep_to_this_process();
@@ -106,7 +108,7 @@ bool lmdb_store::usable() noexcept {
 
 std::optional<MDB_dbi> database_of_table(const databases& where, uint32_t table) {
   if (table == FICON_ELEMDB_TABLE_PMAP) return where.port_map;
-  if (table == kTimeStampTable) return where.time_stamps;
+  if (table == FICON_ELEMDB_TABLE_TSTMP) return where.time_stamps;
   return std::nullopt;
 }
 
@@ -118,6 +120,11 @@ size_t slot_of(uint32_t table, std::span<const std::byte> key) {
   if (table != FICON_ELEMDB_TABLE_PMAP || key.size() != sizeof element) return kNotRemembered;
   std::memcpy(&element, key.data(), sizeof element);
   return element <= FICON_PMAP_ELEM_CHANGE_COUNTER ? element : kNotRemembered;
+}
+
+MDB_val behind_padding(const MDB_val& found) {
+  const size_t padding = std::min(found.mv_size, kElementPadding);
+  return {found.mv_size - padding, static_cast<std::byte*>(found.mv_data) + padding};
 }
 
 void copy_value(const MDB_val& found, void* value, size_t size) {
@@ -151,6 +158,7 @@ bool lmdb_store::copy_in_transaction(MDB_dbi database, std::span<const std::byte
   MDB_val name{key.size(), const_cast<std::byte*>(key.data())};
   MDB_val found;
   const bool there = mdb_get(reader, database, &name, &found) == 0;
+  if (there && database == environment_->opened->port_map) found = behind_padding(found);
   if (there) copy_value(found, value, size);
   if (there && slot != kNotRemembered) remembered_[slot] = {mdb_txn_id(reader), found};
   lmdb_environment::reset_reader(reader);
@@ -199,6 +207,19 @@ uint32_t lmdb_store::change_map(const std::function<void(port_map&)>& change) {
     write_change_counter(transaction.handle(), where, counter);
     transaction.commit();
     return counter;
+  });
+}
+
+std::optional<time_reference> lmdb_store::set_time_reference(uint32_t vsan,
+                                                             const std::optional<time_reference>& reference) {
+  return naming(environment_->place(), [&] {
+    keep_to_this_process();
+    const databases& where = *environment_->opened;
+    lmdb_transaction transaction(*environment_, kind::write);
+    auto before = read_time_reference(transaction.handle(), where, vsan);
+    write_time_reference(transaction.handle(), where, vsan, reference);
+    transaction.commit();
+    return before;
   });
 }
 

@@ -42,7 +42,7 @@ chnsw::decision chnsw::decide(const port_tally& tally, const vsan_choice& vsan) 
   if (tally.count == 0) return {verdict::none, 0};
   if (vsan.given == nullptr) return {verdict::several, 0};
   if (tally.in_vsan == 1) return {verdict::one, tally.last_in_vsan};
-  if (tally.in_vsan == 0 && vsan.use_table != 0) return {verdict::none_in_vsan, 0};
+  // With the port-to-VSAN table in use, none but the ports in the VSAN were counted as bound.
   if (tally.bound == 1) return {verdict::one, tally.last_bound};
   if (tally.bound > 1) return {verdict::several, 0};
   if (tally.in_vsan == 0) return {verdict::none_in_vsan, 0};
