@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "mainframe_time.h"
+
 namespace vswitch {
 
 // Port numbers and port addresses have eight bits on the mainframe's side.
@@ -57,6 +59,7 @@ struct chassis_description {
   std::vector<line_card> line_cards;         // by ascending slot
   std::vector<logical_interface> interfaces; // by ascending interface index
   std::map<uint16_t, std::string> vsans;     // number -> name; may be empty
+  std::map<uint16_t, time_reference> times;  // VSAN -> reference of its time stamps
   port_map map;
   uint32_t change_counter = 1;
 

@@ -38,7 +38,8 @@ struct card_place {
   unsigned column;
 };
 
-// Reads a whole file, or throws chassis_file_error. name is what messages call it. places (may be null) receives where each
+// Reads a whole file, or throws chassis_file_error. A "now" in it is the moment of reading (std::system_error when the
+// host's clock cannot be read). name is what messages call it. places (may be null) receives where each
 // line card stands.
 chassis_description read_chassis_file(const std::string& path, std::vector<card_place>* places = nullptr);
 chassis_description parse_chassis_text(std::string_view text, const std::string& name,

@@ -27,7 +27,10 @@ constexpr number_range kIndexes{0, FICON_PMAP_PORT_ENTRIES - 1};
 constexpr number_range kTableNumbers{0, 0xFFFF};         // what an entry of a table can hold
 constexpr number_range kAddressNumbers{0, kNumbers - 1}; // what a table has entries for
 constexpr number_range kCounters{1, UINT32_MAX};
+constexpr number_range kHostWords{INT32_MIN, INT32_MAX}; // what a record holds of a host time
 
+constexpr std::string_view kNow = "now";
+constexpr std::string_view kHostTimeExpected = "a time in UTC such as \"2015-01-05T09:07:03.9Z\", or \"now\"";
 constexpr std::string_view kPortsExpected = "a port such as \"fc1/5\" or a run of ports such as \"fc1/1-48\"";
 
 // Ports that stand beside each other on one card.
@@ -91,6 +94,12 @@ class chassis_reader {
   void read_binding(table_reader& binding);
   std::optional<uint32_t> read_bound_interface(table_reader& binding);
   void read_address(table_reader& address);
+  void read_time_reference(table_reader& reference);
+  std::optional<ficon_host_time> read_host_time(table_reader& reference);
+  std::optional<ficon_host_time> read_clock_time(table_reader& reference);
+  std::optional<ficon_host_time> read_host_words(table_reader& reference);
+  std::optional<uint64_t> read_tod(table_reader& reference, const ficon_host_time& host);
+  instant now();
   void derive_addresses();
   std::optional<port_run> ports_of(const toml::node& value, std::string_view what);
   bool ports_are_there(const toml::node& where, const port_run& ports);
@@ -107,6 +116,8 @@ class chassis_reader {
   std::array<std::optional<place>, FICON_PMAP_PORT_ENTRIES> described_;
   std::array<std::optional<place>, kNumbers> bound_;
   std::array<std::optional<place>, kNumbers> addressed_;
+  std::map<uint16_t, place> timed_;
+  std::optional<instant> now_;
 };
 
 std::string in_line(const place& where) {
@@ -115,7 +126,8 @@ std::string in_line(const place& where) {
 
 chassis_description chassis_reader::read(const toml::table& file) {
   table_reader tables(file, "the file", problems_);
-  tables.allow_only({"chassis", "line_card", "vsan", "port_channel", "interface", "port", "binding", "address"});
+  tables.allow_only(
+      {"chassis", "line_card", "vsan", "port_channel", "interface", "port", "binding", "address", "time_reference"});
   read_chassis(tables.find("chassis"));
   read_entries(tables, "line_card", &chassis_reader::read_line_card);
   read_entries(tables, "vsan", &chassis_reader::read_vsan);
@@ -124,6 +136,7 @@ chassis_description chassis_reader::read(const toml::table& file) {
   read_entries(tables, "port", &chassis_reader::read_port);
   read_entries(tables, "binding", &chassis_reader::read_binding);
   read_entries(tables, "address", &chassis_reader::read_address);
+  read_entries(tables, "time_reference", &chassis_reader::read_time_reference);
   if (!tables.has("address")) derive_addresses();
   auto by_slot = [](const line_card& a, const line_card& b) { return a.slot < b.slot; };
   auto by_index = [](const logical_interface& a, const logical_interface& b) { return a.if_index < b.if_index; };
@@ -309,7 +322,7 @@ void chassis_reader::read_interface(table_reader& table) {
   const uint32_t if_index = parse_interface_name(*name).value_or(0);
   const uint8_t type = interface_type(if_index);
   if (type == 0)
-    problems_.add(where, "name is \"" + *name + "\"; expected is " + std::string(expected));
+    problems_.add(where, "name is " + quoted(*name) + "; expected is " + std::string(expected));
   else if (type == IF_TYPE_FC_PORT)
     problems_.add(where, *name + " is a physical port; its line card is described with [[line_card]]");
   else if (type == IF_TYPE_PORT_CHANNEL)
@@ -481,7 +494,7 @@ std::optional<uint32_t> chassis_reader::read_bound_interface(table_reader& bindi
   const toml::node& where = *binding.find("interface");
   auto if_index = parse_interface_name(*name);
   if (!if_index) {
-    problems_.add(where, "interface is \"" + *name + "\"; expected is " + std::string(expected));
+    problems_.add(where, "interface is " + quoted(*name) + "; expected is " + std::string(expected));
     return std::nullopt;
   }
   if (name->starts_with("0x")) return if_index;
@@ -526,6 +539,80 @@ void chassis_reader::read_address(table_reader& table) {
     }
     chassis_.map.pa_to_pn[static_cast<size_t>(pa)] = static_cast<uint16_t>(counted);
   }
+}
+
+void chassis_reader::read_time_reference(table_reader& table) {
+  table.allow_only({"vsan", "host_time", "host_seconds", "host_microseconds", "tod"});
+  auto vsan = table.required_number("vsan", kVsans);
+  auto host = read_host_time(table);
+  auto tod = read_tod(table, host.value_or(ficon_host_time{}));
+  if (!vsan) return;
+  const auto number = static_cast<uint16_t>(*vsan);
+  const toml::node& where = *table.find("vsan");
+  auto [first, added] = timed_.emplace(number, place_of(where));
+  if (!added)
+    problems_.add(where, "VSAN " + std::to_string(number) + " has two time references; the first one stands " +
+                             in_line(first->second) + ", and a VSAN has one");
+  else if (host && tod)
+    chassis_.times.emplace(number, time_reference{*host, *tod});
+}
+
+std::optional<ficon_host_time> chassis_reader::read_host_time(table_reader& table) {
+  const bool by_clock = table.has("host_time");
+  const bool by_words = table.has("host_seconds");
+  const toml::node* words = table.find(by_words ? "host_seconds" : "host_microseconds");
+  if (by_clock && words != nullptr) {
+    problems_.add(*words, "[[time_reference]] has both host_time and " +
+                              std::string(by_words ? "host_seconds" : "host_microseconds") + "; expected is one of them");
+    return std::nullopt;
+  }
+  if (by_clock) return read_clock_time(table);
+  if (words != nullptr) return read_host_words(table);
+  table.missing("host_time", kHostTimeExpected);
+  return std::nullopt;
+}
+
+std::optional<ficon_host_time> chassis_reader::read_clock_time(table_reader& table) {
+  auto text = table.text("host_time");
+  if (!text) return std::nullopt;
+  const toml::node& where = *table.find("host_time");
+  auto at = *text == kNow ? now() : parse_utc(*text);
+  if (!at) {
+    problems_.add(where, "host_time is " + shown(where) + "; expected is " + std::string(kHostTimeExpected));
+    return std::nullopt;
+  }
+  if (auto host = host_time_of(*at)) return host;
+  problems_.add(where, "host_time is " + shown(where) +
+                           "; the 32 bits of a host's time hold 1901-12-13T20:45:52Z to 2038-01-19T03:14:07Z");
+  return std::nullopt;
+}
+
+// A record's two words as they are, for what no clock says: microseconds beyond a second.
+std::optional<ficon_host_time> chassis_reader::read_host_words(table_reader& table) {
+  auto seconds = table.required_number("host_seconds", kHostWords);
+  auto microseconds = table.has("host_microseconds") ? table.number("host_microseconds", kHostWords) : 0;
+  if (!seconds || !microseconds) return std::nullopt;
+  return ficon_host_time{static_cast<int32_t>(*seconds), static_cast<int32_t>(*microseconds)};
+}
+
+// Without a value of its own, the TOD clock says the same as the host's clock.
+std::optional<uint64_t> chassis_reader::read_tod(table_reader& table, const ficon_host_time& host) {
+  if (!table.has("tod")) return tod_of(instant_of(host));
+  auto text = table.text("tod");
+  if (!text) return std::nullopt;
+  if (*text == kNow) return tod_of(now());
+  auto tod = parse_tod(*text);
+  if (!tod)
+    problems_.add(*table.find("tod"), "tod is " + shown(*table.find("tod")) +
+                                          "; expected are 4 to 16 hexadecimal digits such as \"CE4F44C4E976\", or "
+                                          "\"now\"");
+  return tod;
+}
+
+// Every "now" of a file is the same moment.
+instant chassis_reader::now() {
+  if (!now_) now_ = current_instant();
+  return *now_;
 }
 
 void chassis_reader::derive_addresses() {

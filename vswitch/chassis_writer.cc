@@ -232,11 +232,26 @@ std::string address_tables(const port_map& map) {
   return text.empty() ? address_run(0, 0, FICON_PMAP_NO_NUMBER) : text;
 }
 
+// What no clock says is written as the record's two words.
+std::string host_assignments(const ficon_host_time& host) {
+  if (host.microseconds >= 0 && host.microseconds < kMicrosecondsPerSecond)
+    return assignment("host_time", quoted(utc_text(instant_of(host))));
+  return assignment("host_seconds", host.seconds) + assignment("host_microseconds", host.microseconds);
+}
+
+std::string time_tables(const chassis_description& chassis) {
+  std::string text;
+  for (const auto& [vsan, reference] : chassis.times)
+    text += "\n[[time_reference]]\n" + assignment("vsan", vsan) + host_assignments(reference.host) +
+            assignment("tod", quoted(tod_text(reference.tod)));
+  return text;
+}
+
 } // namespace
 
 std::string write_chassis_file(const chassis_description& chassis) {
   return chassis_table(chassis) + line_card_tables(chassis) + vsan_tables(chassis) + interface_tables(chassis) +
-         port_tables(chassis) + binding_tables(chassis) + address_tables(chassis.map);
+         port_tables(chassis) + binding_tables(chassis) + address_tables(chassis.map) + time_tables(chassis);
 }
 
 } // namespace vswitch

@@ -73,8 +73,24 @@ void lmdb_environment::open(const char* path, unsigned flags) {
   mdb_env_set_maxreaders(handle_, kReaders);
   // Without MDB_NOTLS a reader's slot would belong to a thread.
   if (int error = mdb_env_open(handle_, path, flags | MDB_NOTLS, kFileMode)) fail(place_, "cannot be opened", error);
+  require_all_pages();
   int dead = 0;
   mdb_reader_check(handle_, &dead); // readers that died in the middle of a look-up would pin old pages for ever
+}
+
+// A file that was cut short, as by a copy that did not end, would end the process at the first page that is not there.
+void lmdb_environment::require_all_pages() {
+  MDB_envinfo info;
+  MDB_stat pages;
+  mdb_filehandle_t file = -1;
+  struct stat status {};
+  if (mdb_env_info(handle_, &info) || mdb_env_stat(handle_, &pages) || mdb_env_get_fd(handle_, &file)) return;
+  if (fstat(file, &status) != 0) return;
+  const auto held = static_cast<uint64_t>(status.st_size);
+  const uint64_t expected = (uint64_t{info.me_last_pgno} + 1) * pages.ms_psize;
+  if (held == 0 || held >= expected) return;
+  throw switch_error(place_ + ": is damaged: " + kDataFile + " has " + std::to_string(held) + " bytes, expected are " +
+                     std::to_string(expected) + "; copy it anew, or make the switch again in another folder");
 }
 
 lmdb_environment::~lmdb_environment() {

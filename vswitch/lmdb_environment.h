@@ -50,6 +50,7 @@ class lmdb_environment {
  private:
   explicit lmdb_environment(std::string place);
   void open(const char* path, unsigned flags);
+  void require_all_pages();
   static std::shared_ptr<lmdb_environment> open_descriptor(int descriptor);
 
   std::string place_; // for messages

@@ -44,8 +44,7 @@ class lmdb_store final : public switch_store {
   chassis_description describe() override;
   uint64_t generation() noexcept override;
   uint32_t change_map(const std::function<void(port_map&)>& change) override;
-  std::optional<time_reference> set_time_reference(uint32_t vsan,
-                                                   const std::optional<time_reference>& reference) override;
+  std::optional<time_reference> set_time_reference(uint32_t vsan, const std::optional<time_reference>& reference) override;
 
  private:
   void keep_to_this_process();

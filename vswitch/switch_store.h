@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -49,6 +50,11 @@ class switch_store {
   // Reads the port map, lets change edit it, and writes it back with the change counter moved, all in one transaction; what
   // change throws leaves the old map. Returns the new change counter. Throws switch_error.
   virtual uint32_t change_map(const std::function<void(port_map&)>& change) = 0;
+
+  // Sets the reference of a VSAN's time stamps, or takes it away, in one transaction; the change counter, which is the port
+  // map's, stays. Returns the reference that was there. Throws switch_error.
+  virtual std::optional<time_reference> set_time_reference(uint32_t vsan,
+                                                           const std::optional<time_reference>& reference) = 0;
 };
 
 } // namespace vswitch

@@ -96,8 +96,25 @@ std::optional<number_run> parse_number_run(std::string_view text) {
   return number_run{*first, *last};
 }
 
+std::string quoted(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string quoted = "\"";
+  for (size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const bool c1 = byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
+    if (c1) ++i; // U+0080 to U+009F in two bytes; the second one is the number
+    const auto shown = static_cast<unsigned char>(text[i]);
+    if (c1 || byte < 0x20 || byte == 0x7F) {
+      quoted += {'\\', 'x', kDigits[shown >> 4], kDigits[shown & 15]};
+    } else {
+      quoted += text[i];
+    }
+  }
+  return quoted + "\"";
+}
+
 std::string shown(const toml::node& value) {
-  if (auto text = value.value_exact<std::string>()) return "\"" + *text + "\"";
+  if (auto text = value.value_exact<std::string>()) return quoted(*text);
   if (auto number = value.value_exact<int64_t>()) return std::to_string(*number);
   if (auto truth = value.value_exact<bool>()) return *truth ? "true" : "false";
   if (value.is_array()) return "a list";
@@ -118,7 +135,7 @@ std::optional<int64_t> number_in(const toml::node& value, std::string_view what,
 void table_reader::allow_only(std::initializer_list<std::string_view> keys) {
   for (const auto& [key, value] : table_)
     if (std::find(keys.begin(), keys.end(), key.str()) == keys.end())
-      problems_.add(place_of(key.source()), "unknown key \"" + std::string(key.str()) + "\" in " + title_ + "; " +
+      problems_.add(place_of(key.source()), "unknown key " + quoted(key.str()) + " in " + title_ + "; " +
                                                 suggestion(key.str(), {keys.begin(), keys.size()}));
 }
 
@@ -149,7 +166,7 @@ std::optional<std::vector<uint8_t>> table_reader::bytes(std::string_view key, si
   if (!digits) return std::nullopt;
   auto bytes = parse_hexadecimal_bytes(*digits);
   if (bytes && bytes->size() == count) return bytes;
-  problems_.add(*find(key), std::string(key) + " is \"" + *digits + "\"; expected are " + std::to_string(count) +
+  problems_.add(*find(key), std::string(key) + " is " + quoted(*digits) + "; expected are " + std::to_string(count) +
                                 " bytes of two hexadecimal digits each");
   return std::nullopt;
 }

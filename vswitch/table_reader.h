@@ -54,6 +54,9 @@ struct number_run {
 };
 std::optional<number_run> parse_number_run(std::string_view text);
 
+// A text of the file in quotes, as a terminal can take it: a control character stands as its number.
+std::string quoted(std::string_view text);
+
 // How a value stands in a message.
 std::string shown(const toml::node& value);
 

@@ -29,7 +29,8 @@ void use_switch(std::unique_ptr<switch_store> store);
 // reason printed to standard error once.
 switch_store* switch_in_use();
 
-// The description read when the switch came into use; its port map may be out of date.
+// The description read when the switch came into use; its port map and time stamp
+// references may be out of date.
 const chassis_description* chassis_in_use();
 
 // Every report and trace of the library, as its text, while the process watches; an empty function stops watching.

@@ -47,7 +47,7 @@ TEST(ChassisFilePage, FilesAndMessagesAreWhatTheReaderSays) {
     EXPECT_EQ(messages, has_messages ? blocks[i + 1].text : "") << blocks[i].text;
     ++(has_messages ? wrong : right);
   }
-  EXPECT_EQ(right, 1u);
+  EXPECT_EQ(right, 2u);
   EXPECT_EQ(wrong, 1u);
 }
 
@@ -62,6 +62,11 @@ TEST(ChassisFilePage, NamesEveryTableAndKey) {
                            "[[port]]",
                            "[[binding]]",
                            "[[address]]",
+                           "[[time_reference]]",
+                           "host_time",
+                           "host_seconds",
+                           "host_microseconds",
+                           "tod",
                            "name",
                            "slots",
                            "type",

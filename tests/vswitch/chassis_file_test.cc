@@ -60,6 +60,12 @@ TEST(ChassisFile, SmallestFileLeavesTheRestEmpty) {
   EXPECT_EQ(parse_chassis_text("[chassis]\nslots = 2\ntype = 4\n", "f"), expected);
 }
 
+// A message goes to a terminal.
+TEST(ChassisFile, ControlCharactersAreToldAsNumbers) {
+  EXPECT_THAT(problems_of("[chassis]\nslots = 1\ntype = \"a\\u001Bb\\u009Bc\""),
+              ::testing::Contains(::testing::HasSubstr("type is \"a\\x1Bb\\x9Bc\"; expected is a whole number")));
+}
+
 TEST(ChassisFile, SlotsAndTypesAtTheirLimits) {
   EXPECT_EQ(parse_chassis_text("[chassis]\nslots = 255\ntype = 2147483647\nsupervisors = []\n", "f").slots(), 255u);
   EXPECT_EQ(parse_chassis_text("[chassis]\nslots = 1\ntype = -2147483648\n", "f").type, INT32_MIN);
@@ -145,6 +151,39 @@ TEST(ChassisFile, AddressesFollowThePortsUnlessTheyAreDescribed) {
 }
 
 // What the tables can hold can be described: it is what has to be reproduced.
+TEST(ChassisFile, TimeReferenceTiesAHostTimeToATodValue) {
+  const auto times = read_with(
+                         "[[time_reference]]\nvsan = 10\nhost_time = \"2015-01-05T09:07:03.9Z\"\ntod = "
+                         "\"CE4F44C4E976\"\n[[time_reference]]\nvsan = 4095\nhost_seconds = -7\nhost_microseconds = "
+                         "-2147483648\ntod = \"0xFFFF\"\n[[time_reference]]\nvsan = 1\nhost_seconds = 7\n")
+                         .times;
+  const std::map<uint16_t, time_reference> expected = {{10, {{1420448823, 900000}, 0xCE4F44C4E9760000}},
+                                                       {4095, {{-7, INT32_MIN}, 0xFFFF000000000000}},
+                                                       {1, {{7, 0}, 0x7D91049276FC0000}}};
+  EXPECT_TRUE(times == expected);
+}
+
+TEST(ChassisFile, TodValueThatIsLeftOutIsTheHostsTime) {
+  const auto times = read_with("[[time_reference]]\nvsan = 10\nhost_time = \"2015-01-05T10:07:03.000123+01:00\"\n").times;
+  EXPECT_TRUE(times.at(10) == (time_reference{{1420448823, 123}, 0xCE4F44C40DC3B000}));
+}
+
+TEST(ChassisFile, NowIsTheMomentOfReadingAndTheSameInTheWholeFile) {
+  const auto before = current_instant();
+  const auto times =
+      read_with(
+          "[[time_reference]]\nvsan = 10\nhost_time = \"now\"\n[[time_reference]]\nvsan = 20\nhost_time = \"now\"\n"
+          "tod = \"now\"\n[[time_reference]]\nvsan = 30\nhost_time = \"2015-01-05\"\ntod = \"now\"\n")
+          .times;
+  const auto after = current_instant();
+  EXPECT_LE(before, instant_of(times.at(10).host));
+  EXPECT_GE(after, instant_of(times.at(10).host));
+  EXPECT_TRUE(times.at(20) == times.at(10));
+  EXPECT_EQ(times.at(30).tod, times.at(10).tod);
+  EXPECT_EQ(instant_of(times.at(10).tod), instant_of(times.at(10).host));
+  EXPECT_EQ(times.at(30).host.seconds, 1420416000);
+}
+
 TEST(ChassisFile, InconsistentMapIsNoProblem) {
   EXPECT_THAT(problems_with("[[port]]\nindex = \"0-9\"\npn = 5\n[[port]]\nindex = 10\npn = 5\npa = 5\n"
                             "[[port]]\nindex = 11\npa = 5\nvsans = [10, 10]\nvsan = 77\n[[address]]\npa = 5\npn = 300\n"),
@@ -179,8 +218,7 @@ constexpr wrong_file kWrongFiles[] = {
     {"UnknownTable", "[[line_crad]]\nslot = 1\n", "f:8:3: unknown key \"line_crad\" in the file; did you mean line_card?"},
     {"UnknownTableFarFromAll", "[power]\n",
      "f:8:2: unknown key \"power\" in the file; allowed are chassis, line_card, vsan, port_channel, interface, port, "
-     "binding, "
-     "address"},
+     "binding, address, time_reference"},
     {"UnknownKey", "[[vsan]]\nnumber = 1\nnmae = \"x\"\n", "f:10:1: unknown key \"nmae\" in [[vsan]]; did you mean name?"},
     {"UnknownKeyOfPort", "[[port]]\nindex = 3\nvsns = [1]\n",
      "f:10:1: unknown key \"vsns\" in [[port]]; did you mean vsans?"},
@@ -301,6 +339,39 @@ constexpr wrong_file kWrongFiles[] = {
      "f:12:6: port address 3 is described twice; the first time in line 9"},
     {"AddressesThatCountTooHigh", "[[address]]\npa = \"1-4\"\npn = 65533\n",
      "f:10:6: pn counts from 65533 over 4 port addresses; the highest number is 65535"},
+    {"TimeReferenceWithoutVsan", "[[time_reference]]\nhost_time = \"now\"\n",
+     "f:8:1: [[time_reference]] has no vsan; expected is a whole number, 1 to 4095"},
+    {"TimeReferenceOfVsanZero", "[[time_reference]]\nvsan = 0\nhost_time = \"now\"\n",
+     "f:9:8: vsan is 0; allowed are 1 to 4095"},
+    {"TimeReferenceWithoutTime", "[[time_reference]]\nvsan = 1\ntod = \"now\"\n",
+     "f:8:1: [[time_reference]] has no host_time; expected is a time in UTC such as \"2015-01-05T09:07:03.9Z\", or "
+     "\"now\""},
+    {"TimeReferenceWithAnUnknownKey", "[[time_reference]]\nvsan = 1\nhost_time = \"now\"\ntodd = \"now\"\n",
+     "f:11:1: unknown key \"todd\" in [[time_reference]]; did you mean tod?"},
+    {"TimeReferenceTwice",
+     "[[time_reference]]\nvsan = 1\nhost_time = \"now\"\n[[time_reference]]\nvsan = 1\nhost_time = \"now\"\n",
+     "f:12:8: VSAN 1 has two time references; the first one stands in line 9, and a VSAN has one"},
+    {"HostTimeThatIsNone", "[[time_reference]]\nvsan = 1\nhost_time = \"2015-02-29\"\n",
+     "f:10:13: host_time is \"2015-02-29\"; expected is a time in UTC such as \"2015-01-05T09:07:03.9Z\", or \"now\""},
+    {"HostTimeWithoutQuotes", "[[time_reference]]\nvsan = 1\nhost_time = 2015-01-05T09:07:03Z\n",
+     "f:10:13: host_time is a date or time; expected is a text in quotes"},
+    {"HostTimeBeyondThirtyTwoBits", "[[time_reference]]\nvsan = 1\nhost_time = \"2038-01-19T03:14:08Z\"\n",
+     "f:10:13: host_time is \"2038-01-19T03:14:08Z\"; the 32 bits of a host's time hold 1901-12-13T20:45:52Z to "
+     "2038-01-19T03:14:07Z"},
+    {"HostTimeBesideSeconds", "[[time_reference]]\nvsan = 1\nhost_time = \"now\"\nhost_seconds = 5\n",
+     "f:11:16: [[time_reference]] has both host_time and host_seconds; expected is one of them"},
+    {"HostTimeBesideMicroseconds", "[[time_reference]]\nvsan = 1\nhost_microseconds = 5\nhost_time = \"now\"\n",
+     "f:10:21: [[time_reference]] has both host_time and host_microseconds; expected is one of them"},
+    {"MicrosecondsWithoutSeconds", "[[time_reference]]\nvsan = 1\nhost_microseconds = 5\n",
+     "f:8:1: [[time_reference]] has no host_seconds; expected is a whole number, -2147483648 to 2147483647"},
+    {"SecondsBeyondThirtyTwoBits", "[[time_reference]]\nvsan = 1\nhost_seconds = 2147483648\n",
+     "f:10:16: host_seconds is 2147483648; allowed are -2147483648 to 2147483647"},
+    {"MicrosecondsBeyondThirtyTwoBits", "[[time_reference]]\nvsan = 1\nhost_seconds = 0\nhost_microseconds = -2147483649\n",
+     "f:11:21: host_microseconds is -2147483649; allowed are -2147483648 to 2147483647"},
+    {"TodThatIsNone", "[[time_reference]]\nvsan = 1\nhost_time = \"now\"\ntod = \"CE4\"\n",
+     "f:11:7: tod is \"CE4\"; expected are 4 to 16 hexadecimal digits such as \"CE4F44C4E976\", or \"now\""},
+    {"TodThatIsANumber", "[[time_reference]]\nvsan = 1\nhost_time = \"now\"\ntod = 0xCE4F\n",
+     "f:11:7: tod is 52815; expected is a text in quotes"},
 };
 
 INSTANTIATE_TEST_SUITE_P(All, WrongChassisFile, ::testing::ValuesIn(kWrongFiles),

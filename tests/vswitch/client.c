@@ -2,6 +2,7 @@
  * what the tests read.
  *
  *   pa ADDRESS [VSAN]     status and port number, as the library has them
+ *   time VSAN SECONDS MICROSECONDS   status and text of the VSAN's time stamp at a host time
  *   services INDEX        what every service says about an interface index, and about the chassis
  *   type                  chassis type once, and again after every line on standard input
  *   read CHANGES          reads the port-to-number table until it changed so often; fails when its entries are not of one map
@@ -32,6 +33,14 @@ static int translate_address(const char* pa, const char* vsan) {
   status = vsan == NULL ? ficon_pmap_get_pa_to_pn((int32_t)number(pa), &pn)
                         : ficon_pmap_get_pa_vsan_to_pn((int32_t)number(pa), number(vsan), &pn);
   printf("status 0x%08x pn %u\n", (unsigned)status, (unsigned)pn);
+  return 0;
+}
+
+static int tell_time(const char* vsan, const char* seconds, const char* microseconds) {
+  const struct ficon_host_time at = {(int32_t)number(seconds), (int32_t)number(microseconds)};
+  const char* text = "no text";
+  const uint32_t status = ficon_cmi_get_vsan_tstmp_given_time(number(vsan), &text, FICON_TOD_FMT_DAY_FIRST, &at);
+  printf("status 0x%08x %s\n", (unsigned)status, text);
   return 0;
 }
 
@@ -134,6 +143,7 @@ static int report(uint32_t subtype, const char* text) {
 int main(int count, char** words) {
   const char* command = count > 1 ? words[1] : "";
   if (strcmp(command, "pa") == 0 && count > 2) return translate_address(words[2], count > 3 ? words[3] : NULL);
+  if (strcmp(command, "time") == 0 && count > 4) return tell_time(words[2], words[3], words[4]);
   if (strcmp(command, "services") == 0 && count > 2) return ask_everything(words[2]);
   if (strcmp(command, "type") == 0) return tell_type();
   if (strcmp(command, "read") == 0 && count > 2) return read_until_changed(number(words[2]));

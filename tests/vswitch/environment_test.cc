@@ -34,6 +34,18 @@ TEST_F(SwitchOfEnvironment, FolderAnswersThroughTheLibrary) {
   EXPECT_EQ(result.errors, "");
 }
 
+TEST_F(SwitchOfEnvironment, TimeReferenceThatIsSetIsTheNextTimeStampOfAnyClient) {
+  switch_store::create(folder_.path("switch"), small_switch());
+  auto store = switch_store::open(folder_.path("switch"));
+  const std::string variable = "CHNSW_SWITCH=" + folder_.path("switch");
+  const std::vector<std::string> question = {VSWITCH_CLIENT, "time", "10", "1420448824", "100000"};
+  EXPECT_EQ(run(question, {variable}).output, "status 0x4085000a no text\n");
+  store->set_time_reference(10, time_reference{{1420448823, 900000}, 0xCE4F44C4E9760000});
+  EXPECT_EQ(run(question, {variable}).output, "status 0x00000000 Mon Jan 5 09:07:04.899804 2015\n");
+  store->set_time_reference(10, std::nullopt);
+  EXPECT_EQ(run(question, {variable}).output, "status 0x4085000a no text\n");
+}
+
 TEST_F(SwitchOfEnvironment, PreloadedSwitchServesAProgramThatKnowsNothingOfIt) {
   const std::string variable = std::string("CHNSW_SWITCH=") + kExample;
   // A sanitizer wants to be the first library of a process, which a preloaded one comes before.

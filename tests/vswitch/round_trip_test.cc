@@ -25,6 +25,7 @@ class random_switch {
     for (unsigned i = below(6); i > 0; --i) chassis_.vsans.emplace(static_cast<uint16_t>(1 + below(4095)), text());
     make_ports();
     make_tables();
+    for (unsigned i = below(5); i > 0; --i) chassis_.times[static_cast<uint16_t>(1 + below(4095))] = reference();
     return chassis_;
   }
 
@@ -106,6 +107,13 @@ class random_switch {
     if (chance(50))
       for (unsigned i = below(40); i > 0; --i) chassis_.map.pa_to_pn[below(256)] = number();
     for (unsigned i = below(20); i > 0; --i) chassis_.map.pn_to_if[below(256)] = bound();
+  }
+
+  // Mostly what a clock says.
+  time_reference reference() {
+    const auto microseconds = static_cast<int32_t>(chance(70) ? below(1000000) : random_());
+    const uint64_t high = random_();
+    return {{static_cast<int32_t>(random_()), microseconds}, high << 32 | random_()};
   }
 
   uint32_t bound() {
@@ -223,6 +231,32 @@ pn = 99
 pn = 240
 interface = "fcip3"
 )");
+}
+
+TEST(RoundTrip, TimeReferencesAreWrittenAsTimesOrElseAsTheirWords) {
+  auto chassis = vswitch_test::small_switch();
+  chassis.times[10] = {{1420448823, 900000}, 0xCE4F44C4E9760000};
+  chassis.times[20] = {{-1, 1000000}, 1};
+  chassis.times[30] = {{0, 0}, 0};
+  const std::string text = write_chassis_file(chassis);
+  EXPECT_THAT(text, ::testing::EndsWith(R"(
+[[time_reference]]
+vsan = 10
+host_time = "2015-01-05T09:07:03.900000Z"
+tod = "CE4F44C4E9760000"
+
+[[time_reference]]
+vsan = 20
+host_seconds = -1
+host_microseconds = 1000000
+tod = "0000000000000001"
+
+[[time_reference]]
+vsan = 30
+host_time = "1970-01-01T00:00:00.000000Z"
+tod = "0000000000000000"
+)"));
+  EXPECT_EQ(parse_chassis_text(text, "written"), chassis);
 }
 
 // A table of addresses without any entry differs from one that follows the ports.

@@ -232,6 +232,22 @@ TEST_F(Services, MembershipOfAnUnknownPortIsAStatusOfItsOwn) {
   EXPECT_EQ(lagmap_get_port(nullptr), 0x40470001);
 }
 
+TEST_F(Services, TimeStampComesFromTheReferenceOfItsVsan) {
+  auto chassis = vswitch_test::small_switch();
+  chassis.times[10] = {{1420448823, 900000}, 0xCE4F44C4E9760000};
+  use_switch(switch_store::in_memory(chassis));
+  const ficon_host_time later{1420448824, 100000};
+  const char* text = nullptr;
+  EXPECT_EQ(ficon_cmi_get_vsan_tstmp_given_time(10, &text, FICON_TOD_FMT_DAY_FIRST, &later), 0u);
+  EXPECT_STREQ(text, "Mon Jan 5 09:07:04.899804 2015");
+  text = nullptr;
+  EXPECT_EQ(ficon_cmi_get_vsan_tstmp_given_time(20, &text, FICON_TOD_FMT_DAY_FIRST, &later), FICON_RC_PLATFORM);
+  EXPECT_EQ(text, nullptr);
+  switch_in_use()->set_time_reference(20, time_reference{{1420448824, 0}, 0});
+  EXPECT_EQ(ficon_cmi_get_vsan_tstmp_given_time(20, &text, FICON_TOD_FMT_YEAR_FIRST, &later), 0u);
+  EXPECT_STREQ(text, "1900 Mon Jan 1 00:00:00.24");
+}
+
 TEST_F(Services, AnotherSwitchInUseAnswersFromThenOn) {
   auto other = vswitch_test::small_switch();
   other.type = 38;

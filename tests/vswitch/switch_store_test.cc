@@ -152,6 +152,54 @@ TEST_P(SwitchStore, LookUpWithinAChangeSeesTheOldMap) {
   });
 }
 
+TEST_P(SwitchStore, TimeReferenceIsTheRecordThatClientsRead) {
+  auto chassis = small_switch();
+  chassis.times[10] = {{1420448823, -5}, 0xCE4F44C4E9760000};
+  auto store = make(chassis);
+  EXPECT_EQ(store->describe(), chassis);
+  const uint32_t vsan = 10;
+  std::array<unsigned char, 48> value;
+  value.fill(0xEE);
+  EXPECT_TRUE(store->look_up(1, as_key(vsan), value.data(), value.size()));
+  const int32_t seconds = 1420448823;
+  const int32_t microseconds = -5;
+  const uint64_t tod = 0xCE4F44C4E9760000;
+  std::array<unsigned char, 48> expected{};
+  std::memcpy(&expected[12], &seconds, sizeof seconds);
+  std::memcpy(&expected[16], &microseconds, sizeof microseconds);
+  std::memcpy(&expected[24], &tod, sizeof tod);
+  std::fill(expected.begin() + 40, expected.end(), 0xEE);
+  EXPECT_EQ(value, expected);
+  for (uint32_t other : {0u, 9u, 11u, 10u << 24}) EXPECT_FALSE(store->look_up(1, as_key(other), value.data(), 40));
+}
+
+TEST_P(SwitchStore, SetTimeReferenceReturnsWhatWasThereAndLeavesTheRest) {
+  auto store = make(small_switch());
+  const uint64_t generation = store->generation();
+  const time_reference first{{1, 2}, 3};
+  const time_reference second{{4, 5}, 6};
+  EXPECT_FALSE(store->set_time_reference(10, first));
+  EXPECT_FALSE(store->set_time_reference(4095, second));
+  EXPECT_EQ(store->set_time_reference(10, second), first);
+  auto expected = small_switch();
+  expected.times = {{10, second}, {4095, second}};
+  EXPECT_EQ(store->describe(), expected);
+  EXPECT_EQ(store->set_time_reference(10, std::nullopt), second);
+  EXPECT_FALSE(store->set_time_reference(10, std::nullopt));
+  expected.times.erase(10);
+  EXPECT_EQ(store->describe(), expected);
+  EXPECT_EQ(counter_in(*store), 7u);
+  EXPECT_EQ(store->generation(), generation);
+}
+
+TEST_P(SwitchStore, ChangeOfTheMapLeavesTheTimeReferences) {
+  auto chassis = small_switch();
+  chassis.times[10] = {{1, 2}, 3};
+  auto store = make(chassis);
+  store->change_map([](port_map& map) { map = map_of(9); });
+  EXPECT_TRUE(store->describe().times == chassis.times);
+}
+
 // Clients take 0 for a counter that could not be read.
 TEST_P(SwitchStore, CounterWrapsPastZero) {
   auto chassis = small_switch();
@@ -251,6 +299,17 @@ TEST_F(SwitchFolder, IsMadeInAnEmptyFolderToo) {
   EXPECT_THAT(names_in(path()), ElementsAre("data.mdb", "lock.mdb"));
 }
 
+// As a copy leaves it that did not end. Touching a page that is not there would end the process.
+TEST_F(SwitchFolder, FileThatWasCutShortIsRefused) {
+  switch_store::create(path(), small_switch());
+  const std::string data = path() + "/data.mdb";
+  const auto whole = fs::file_size(data);
+  fs::resize_file(data, 8192);
+  EXPECT_EQ(refusal_of([&] { switch_store::open(path()); }),
+            path() + ": is damaged: data.mdb has 8192 bytes, expected are " + std::to_string(whole) +
+                "; copy it anew, or make the switch again in another folder");
+}
+
 TEST_F(SwitchFolder, OpenTwiceInOneProcessIsOneSwitch) {
   switch_store::create(path(), small_switch());
   auto one = switch_store::open(path());
@@ -271,7 +330,9 @@ TEST_F(SwitchFolder, ReplacedSwitchIsSeenByWhoHasItOpen) {
   other.line_cards.pop_back();
   other.interfaces.clear();
   other.vsans.clear();
+  other.times = {{20, {{1, 2}, 3}}};
   other.change_counter = 100;
+  store->set_time_reference(10, time_reference{{4, 5}, 6});
   switch_store::create(path(), other);
   EXPECT_NE(store->generation(), generation);
   EXPECT_EQ(store->describe(), other);
