@@ -1,6 +1,7 @@
 // create, set, diff, export, watch: everything about folders and files.
 #include "tool_test.h"
 
+#include <chrono>
 #include <csignal>
 #include <thread>
 
@@ -214,6 +215,32 @@ TEST_F(Folders, DiffTellsEveryKindOfDifference) {
             "PA 30              pn of address  96           -\n"
             "PA 31              pn of address  -            97\n");
   EXPECT_EQ(result.status, 1);
+}
+
+TEST_F(Folders, DiffTellsANameOfADashFromNoName) {
+  write("dash.toml", campus_with("number = 20\n", "number = 20\nname = \"-\"\n"));
+  EXPECT_EQ(
+      run({"diff", "campus.toml", "dash.toml", "--format", "jsonl"}).out,
+      "{\"where\":\"VSAN 20\",\"index\":null,\"field\":\"name\",\"a\":\"\",\"a_hex\":null,\"b\":\"-\",\"b_hex\":null}\n");
+}
+
+TEST_F(Folders, DiffAndExportTellTimeReferences) {
+  const std::string reference = "\n[[time_reference]]\nvsan = 10\nhost_seconds = 1420448823\ntod = \"CE4F44C4E9760000\"\n";
+  write("timed.toml", kCampus + reference);
+  EXPECT_EQ(run({"diff", "campus.toml", "timed.toml"}).out,
+            "WHERE    FIELD           A  B\n"
+            "VSAN 10  time reference  -  1420448823 s 0 us = CE4F44C4E9760000\n");
+  auto whole = parse_json(run({"-s", "timed.toml", "export", "--to", "json"}).out);
+  EXPECT_EQ(whole["time_references"][0]["host_seconds"], 1420448823);
+  EXPECT_EQ(whole["time_references"][0]["tod_hex"], "0xCE4F44C4E9760000");
+}
+
+TEST_F(Folders, DiffTellsTheVsanArray) {
+  write("array.toml",
+        campus_with("change_counter = 7", "change_counter = 7\nport_vsan_array = \"01" + std::string(62, '0') + "\""));
+  auto rows = parse_json(run({"diff", "campus.toml", "array.toml", "--format", "json"}).out);
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0]["field"], "VSAN array");
 }
 
 TEST_F(Folders, DiffOfTwoKindsOfChassisChecksEachByItsOwn) {

@@ -1,6 +1,8 @@
 // check: what it finds in maps that are wrong in one way each, and what it leaves alone.
 #include "tool_test.h"
 
+#include <algorithm>
+
 namespace chnsw_test {
 namespace {
 
@@ -41,6 +43,12 @@ TEST_F(Check, NotesAreGoodToKnowAndNoFindings) {
               HasSubstr("shared      PA 00  -     0,254    PA to PN: several entries count and no VSAN chooses among "
                         "them: ambiguous\n"));
   EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(Check, NumberWithoutAPortInAVsanThatItIsNotBoundToIsUnbound) {
+  auto result = check("pa = 0xF0\nvsans = [10]", "pa = 0xF0\nvsans = [10]\nvsan = 20");
+  EXPECT_THAT(result.out, HasSubstr("the port is in VSAN 20, but bound only to 10\n"));
+  EXPECT_EQ(result.status, 1);
 }
 
 TEST_F(Check, AddressTwiceInOneVsanIsAmbiguous) {

@@ -5,6 +5,9 @@
 #include <pty.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <sstream>
+
 namespace chnsw_test {
 namespace {
 
@@ -30,14 +33,15 @@ class CommandLine : public tool_test {
 
 const std::vector<std::string> kCommands = {"pa",      "pn",     "if",     "slot",  "index", "map",     "vsan",
                                             "logical", "info",   "next",   "last",  "check", "default", "front",
-                                            "diff",    "export", "create", "watch", "set"};
+                                            "diff",    "export", "create", "watch", "set",   "tod"};
 
 TEST_F(CommandLine, EveryCommandHasHelpWithExamples) {
   auto general = run({"--help"});
   EXPECT_EQ(general.status, 0);
   EXPECT_EQ(general.err, "");
-  EXPECT_THAT(general.out,
-              HasSubstr("bare digits are hexadecimal for a port address (PA) and decimal for everything else"));
+  EXPECT_THAT(
+      general.out,
+      HasSubstr("bare digits are hexadecimal for a port address (PA) and a TOD clock value, decimal for everything else"));
   EXPECT_THAT(general.out, HasSubstr("Examples:\n"));
   for (const auto& command : kCommands) {
     auto help = run({command, "--help"});
@@ -45,7 +49,7 @@ TEST_F(CommandLine, EveryCommandHasHelpWithExamples) {
     EXPECT_THAT(help.out, HasSubstr("Examples:\n  chnsw ")) << command;
     EXPECT_THAT(general.out, HasSubstr("\n  " + command + " ")) << command;
   }
-  for (const char* part : {"port", "binding", "address"})
+  for (const char* part : {"port", "binding", "address", "time"})
     EXPECT_THAT(run({"set", part, "--help"}).out, HasSubstr("Examples:\n  chnsw ")) << part;
 }
 
@@ -80,7 +84,7 @@ TEST_F(CommandLine, WrongUseIsStatusTwoAndNoResult) {
                                                     {"diff", "a"},
                                                     {"--color", "red", "map"},
                                                     {"default", "--verdict", "--logical"},
-                                                    {"last", "fc1/1", "fc1/2"}}) {
+                                                    {"diff", "a", "b", "c"}}) {
     auto result = run(arguments, {{"CHNSW_SWITCH", "campus.toml"}});
     EXPECT_EQ(result.status, 2) << result.err;
     EXPECT_EQ(result.out, "");
@@ -157,14 +161,21 @@ TEST_F(CommandLine, ColourOnATerminalAloneAndNotAgainstNoColor) {
   EXPECT_THAT(run({"--color", "always", "-s", "campus.toml", "pn", "0", "--format", "json"}).out, Not(HasSubstr("\x1B")));
 }
 
-TEST_F(CommandLine, TablesOfTheExamplesFitAHundredColumns) {
+// A status other than OK is the last column, and may reach a little further.
+TEST_F(CommandLine, RowsOfWhatIsFoundFitAHundredColumns) {
   for (const char* name : {"one-slot", "six-slot", "director-10", "director-13", "director-18"}) {
-    for (const char* question : {"pa", "pn", "if"}) {
+    for (const char* question : {"pa", "pn", "if", "slot", "index"}) {
       auto result = run({"-s", std::string(CHNSW_SOURCE_DIR "/examples/") + name + ".toml", question, "all"});
+      size_t longest_found = 0;
       size_t longest = 0;
       std::istringstream lines(result.out);
-      for (std::string line; std::getline(lines, line);) longest = std::max(longest, line.size());
-      EXPECT_LE(longest, 110u) << name << " " << question;
+      for (std::string line; std::getline(lines, line);) {
+        longest = std::max(longest, line.size());
+        if (line.ends_with("OK 0")) longest_found = std::max(longest_found, line.size());
+      }
+      EXPECT_GT(longest_found, 0u) << name << " " << question;
+      EXPECT_LE(longest_found, 100u) << name << " " << question;
+      EXPECT_LE(longest, 120u) << name << " " << question;
     }
   }
 }
@@ -189,6 +200,28 @@ TEST_F(CommandLine, CompletionOfOptionsAndValues) {
   EXPECT_EQ(shell(completions("chnsw set p")).out, "port\n");
   EXPECT_EQ(shell(completions("chnsw -s camp")).out, "campus.toml\n");
   EXPECT_EQ(shell(completions("chnsw export --to c")).out, "csv\n");
+}
+
+TEST_F(CommandLine, CompletionOfAValueBehindAnEqualsSign) {
+  EXPECT_EQ(shell(completions("chnsw --switch = camp")).out, "campus.toml\n"); // as bash divides the words
+  EXPECT_EQ(shell(completions("chnsw --switch=camp")).out, "--switch=campus.toml\n");
+  EXPECT_EQ(shell(completions("chnsw --format =")).out, "table\njson\njsonl\ncsv\n");
+  EXPECT_EQ(shell(completions("chnsw export --to=c")).out, "--to=csv\n");
+  EXPECT_EQ(shell(completions("chnsw --switch = campus.toml che")).out, "check\n");
+}
+
+TEST_F(CommandLine, SetWithoutAKnownPartSaysWhatIsAllowed) {
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"set", "foo", "1"}, {"set"}}) {
+    auto result = ask(words);
+    EXPECT_EQ(result.err, "chnsw: set is followed by one of: port, binding, address, time; see chnsw set --help\n");
+    EXPECT_EQ(result.status, 2);
+  }
+}
+
+TEST_F(CommandLine, WrongUsePointsToTheHelpOfTheInnermostCommand) {
+  auto result = ask({"set", "port"});
+  EXPECT_EQ(result.err, "chnsw: PORT is required; see chnsw set port --help\n");
+  EXPECT_EQ(result.status, 2);
 }
 
 // Every option that a command's help shows is completed, and none that it does not.

@@ -48,6 +48,39 @@ TEST_F(Front, SvgIsWellFormedAndNamesEveryPort) {
   EXPECT_THAT(result.out, HasSubstr("&lt;A&gt; &amp; &quot;B&quot; ?"));
 }
 
+TEST_F(Front, OneSlotIsNoPlural) {
+  write("one.toml", "[chassis]\nslots = 1\ntype = 27\n");
+  EXPECT_THAT(run({"-s", "one.toml", "front"}).out, testing::StartsWith("1 slot, type 27\n"));
+}
+
+TEST_F(Front, SvgNamesStandUnderThePortsAndLongOnesAreShortened) {
+  std::string name(80, 'W');
+  write("long.toml", campus_with("name = \"channels\"", "name = \"" + name + "\""));
+  // Slot 1 begins at 50: its ports stand at 58 to 72.
+  EXPECT_THAT(run({"-s", "long.toml", "front", "--svg", "-"}).out,
+              HasSubstr("<text x=\"50\" y=\"84\">" + name.substr(0, 60) + "...<title>" + name + "</title></text>\n"));
+}
+
+TEST_F(Front, SvgGivesEveryVsanAColourOfItsOwn) {
+  std::string file = "[chassis]\nslots = 1\ntype = 27\n\n[[line_card]]\nslot = 1\nports = 48\n";
+  for (int port = 1; port <= 48; ++port)
+    file += "\n[[port]]\ninterface = \"fc1/" + std::to_string(port) + "\"\nvsan = " + std::to_string(100 + port) + "\n";
+  write("many.toml", file);
+  auto result = run({"-s", "many.toml", "front", "--svg", "front.svg"});
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(
+      shell("grep -A1 'x=\"18\".*rx=' front.svg | grep -B1 '>VSAN ' | grep -o 'fill=\"#[0-9a-f]*' | sort -u | wc -l").out,
+      "48\n");
+}
+
+TEST_F(Front, SvgLegendExplainsEveryLookOfAPort) {
+  auto svg = ask({"front", "--svg", "-"}).out;
+  EXPECT_THAT(svg, testing::ContainsRegex("fill=\"#dddddd\" stroke=\"#888888\"/>\n *<text [^\n]*>grey: in no VSAN<"));
+  EXPECT_THAT(svg,
+              testing::ContainsRegex("fill=\"none\" stroke=\"#888888\"/>\n *<text [^\n]*>not filled: no place in the"));
+  EXPECT_THAT(svg, testing::ContainsRegex("stroke=\"#000000\" [^\n]*/>\n *<text [^\n]*>black border: member of a port-"));
+}
+
 TEST_F(Front, SvgOfEveryExampleIsWellFormed) {
   for (const char* name : {"one-slot", "six-slot", "director-10", "director-13", "director-18"}) {
     ASSERT_EQ(
@@ -56,17 +89,26 @@ TEST_F(Front, SvgOfEveryExampleIsWellFormed) {
   }
 }
 
-TEST_F(Front, PictureThatCannotBeWrittenLeavesTheOldOne) {
+TEST_F(Front, PictureReplacesTheOldOneAndLeavesNoDraft) {
+  ASSERT_EQ(shell("echo old >old.svg && chmod 640 old.svg && ln -s old.svg front.svg").status, 0);
   ASSERT_EQ(ask({"front", "--svg", "front.svg"}).status, 0);
-  std::string before = read("front.svg");
-  EXPECT_NE(before, "");
-  write("front.svg.new", "somebody else's");
-  auto result = ask({"front", "--svg", "front.svg"});
+  EXPECT_EQ(listing(), (std::vector<std::string>{"campus.toml", "front.svg", "old.svg"}));
+  EXPECT_EQ(shell("readlink front.svg; stat -c %a old.svg; head -c 4 old.svg").out, "old.svg\n640\n<svg");
+}
+
+TEST_F(Front, PictureThatCannotBeWritten) {
+  auto result = ask({"front", "--svg", "nowhere/front.svg"});
   EXPECT_EQ(result.status, 3);
-  EXPECT_THAT(result.err, HasSubstr("chnsw: the picture cannot be written to front.svg: "));
-  EXPECT_EQ(read("front.svg"), before);
-  EXPECT_EQ(read("front.svg.new"), "somebody else's");
-  EXPECT_EQ(ask({"front", "--svg", "nowhere/front.svg"}).status, 3);
+  EXPECT_EQ(result.err, "chnsw: the picture cannot be written to nowhere/front.svg: No such file or directory\n");
+  EXPECT_EQ(ask({"front", "--svg", "."}).status, 3);
+}
+
+TEST_F(Front, DeviceIsWrittenToAndNotReplaced) {
+  // A device of the test's own would need rights that a test does not have; a pipe is replaced just as easily.
+  ASSERT_EQ(
+      shell("mkfifo pipe && (cat pipe >read.svg & chnsw -s campus.toml front --svg pipe; wait) && test -p pipe").status, 0);
+  EXPECT_THAT(read("read.svg"), testing::StartsWith("<svg "));
+  EXPECT_THAT(read("read.svg"), testing::EndsWith("</svg>\n"));
 }
 
 TEST_F(Front, DataHasARowAPort) {

@@ -108,11 +108,40 @@ TEST_F(Lists, LastIsTheLastNumberedPortOfTheCard) {
   EXPECT_EQ(ask({"last", "eth0"}).status, 2);
 }
 
-TEST_F(Lists, WalkFromBeyondThePortMapIsRefused) {
+TEST_F(Lists, WalksTakeListsAndRanges) {
+  auto rows = parse_json(ask({"next", "fc1/1-2,fc2/1", "fc1/8", "--format", "json"}).out);
+  std::vector<std::string> names;
+  for (const auto& row : rows) names.push_back(row["interface"]);
+  EXPECT_THAT(names, testing::ElementsAre("fc1/2", "fc1/3", "fc2/2", "fc2/1"));
+  EXPECT_EQ(ask({"next", "fc1/1-2,fc2/1"}).status, 0);
+  EXPECT_EQ(ask({"last", "fc1/1-8,fc2/1"}).status, 0);
+  EXPECT_EQ(parse_json(ask({"last", "all", "--format", "json"}).out).size(), 22u); // 20 ports, port-channel1, fcip3
+}
+
+TEST_F(Lists, NextOfAListIsNotFoundWhenOneHasNoNext) {
+  auto result = ask({"next", "fc1/1,fc5/3"});
+  EXPECT_THAT(result.out, HasSubstr("fc1/1   1  01  1/2 "));
+  EXPECT_THAT(result.out, HasSubstr("FICON_RC_PLATFORM 0x4085000A"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(ask({"next", "fc5/3,fc1/1"}).status, 1);
+}
+
+TEST_F(Lists, NextAllWalksFromEachOfAList) {
+  auto rows = parse_json(ask({"next", "fc2/2,fc2/3", "--all", "--format", "json"}).out);
+  std::vector<std::string> names;
+  for (const auto& row : rows) names.push_back(row["interface"]);
+  EXPECT_THAT(names, testing::ElementsAre("fc2/3", "fc2/4", "fc2/4"));
+}
+
+TEST_F(Lists, WalkFromBeyondThePortMapIsARowWithoutAnAnswer) {
   write("large.toml", "[chassis]\nslots = 18\ntype = 38\nsupervisors = [9, 10]\n");
   auto result = run({"-s", "large.toml", "next", "fc18/1"});
-  EXPECT_EQ(result.err, "chnsw: fc18/1 is beyond the port map: the library is not asked\n");
-  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err, HasSubstr("fc18/1 is beyond the port map: the library is not asked\n"));
+  EXPECT_THAT(result.out, HasSubstr("\nfc18/1 "));
+  EXPECT_EQ(result.status, 1);
+  auto row = parse_json(run({"-s", "large.toml", "next", "fc18/1", "--format", "json"}).out)[0];
+  EXPECT_TRUE(row["interface"].is_null());
+  EXPECT_TRUE(row["status"].is_null());
 }
 
 // ---- Default numbering ----
@@ -236,6 +265,27 @@ TEST_F(Lists, InfoAsDataHasTheSame) {
   EXPECT_EQ(info["change_counter"], 7);
   EXPECT_EQ(info["line_cards"][2]["line_card"], 2);
   EXPECT_EQ(info["vsans"][0]["ports"], 8);
+}
+
+TEST_F(Lists, VsanAllHasThoseThatOnlyTheMapNames) {
+  write("changed.toml", campus_with("pa = 0x30\nvsans = [20]", "pa = 0x30\nvsans = [77]"));
+  auto result = run({"-s", "changed.toml", "vsan", "all", "--format", "csv"});
+  EXPECT_THAT(result.out, testing::HasSubstr("\n77,"));
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(Lists, MapWithoutMemoryIsAFailureAndNoMap) {
+  write("campus.toml", kCampus);
+  auto result = run({"-s", "campus.toml", "map", "--index", "0,1024"}, {{"CHNSW_REFUSE_ALLOC", "206/3:1"}});
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, testing::HasSubstr("chnsw: the library was refused memory: FICON_RC_NO_MEMORY 0x00000001\n"));
+  EXPECT_EQ(result.status, 3);
+}
+
+TEST_F(Lists, ControlCharactersOfANameAreShownAsNumbers) {
+  write("changed.toml", campus_with("name = \"channels\"", "name = \"a\\u001Bb\\u009Bc\""));
+  auto result = run({"-s", "changed.toml", "info"});
+  EXPECT_THAT(result.out, testing::HasSubstr("a\\x1Bb\\x9Bc\n"));
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <set>
 
@@ -130,10 +131,31 @@ std::string legend_text(const chassis_picture& picture, bool colour) {
 constexpr unsigned kPortSize = 14;
 constexpr unsigned kPortStep = 16;
 constexpr unsigned kSlotStep = 44;
-constexpr unsigned kLeft = 150;
+constexpr unsigned kLeft = 50;
 constexpr unsigned kTop = 50;
 constexpr unsigned kSvgPortsPerRow = 48;
 constexpr const char* kSvgHues[] = {"#4477aa", "#228833", "#aa3377", "#ccbb44", "#66ccee", "#ee6677", "#8866cc", "#bb7733"};
+// Characters that fit beside or under what they name, even wide ones; a tip has the rest.
+constexpr size_t kNameRoom = 60;
+
+// A colour by its hue of 360 degrees, with a lightness and a saturation of 0 to 1.
+std::string colour_of(double hue, double saturation, double lightness) {
+  auto part = [&](double shift) {
+    double place = std::fmod(shift + hue / 30, 12);
+    double strength = saturation * std::min(lightness, 1 - lightness);
+    double value = lightness - strength * std::max(-1.0, std::min({place - 3, 9 - place, 1.0}));
+    return static_cast<unsigned>(std::lround(value * 255));
+  };
+  return fmt::format("#{:02x}{:02x}{:02x}", part(0), part(8), part(4));
+}
+
+// The VSANs beyond the chosen colours turn by the golden angle, which keeps neighbours apart and never comes back.
+std::string vsan_colour(size_t hue) {
+  if (hue < std::size(kSvgHues)) return kSvgHues[hue];
+  constexpr double kGoldenAngle = 137.50776405;
+  constexpr double kLightness[] = {0.62, 0.40, 0.78};
+  return colour_of(std::fmod(static_cast<double>(hue) * kGoldenAngle, 360), 0.6, kLightness[hue % std::size(kLightness)]);
+}
 
 std::string xml(std::string_view text) {
   std::string result;
@@ -155,9 +177,25 @@ std::string xml(std::string_view text) {
   return result;
 }
 
+// A name as long as there is room for; UTF-8 characters stay whole.
+std::string shortened(const std::string& name) {
+  size_t characters = 0;
+  for (size_t i = 0; i < name.size(); ++i) {
+    bool is_first_byte = (static_cast<unsigned char>(name[i]) & 0xC0) != 0x80;
+    if (is_first_byte && ++characters > kNameRoom) return name.substr(0, i) + "...";
+  }
+  return name;
+}
+
+// Text with its whole length as a tip.
+std::string svg_text(unsigned x, unsigned y, const char* look, const std::string& text) {
+  return fmt::format("  <text x=\"{}\" y=\"{}\"{}>{}<title>{}</title></text>\n", x, y, look, xml(shortened(text)),
+                     xml(text));
+}
+
 std::string fill_of(const pictured_port& port) {
   if (!port.index) return "none";
-  return port.vsan == 0 ? "#dddddd" : kSvgHues[port.hue % std::size(kSvgHues)];
+  return port.vsan == 0 ? "#dddddd" : vsan_colour(port.hue);
 }
 
 std::string tip_of(const pictured_port& port) {
@@ -170,13 +208,17 @@ std::string tip_of(const pictured_port& port) {
   return port.channel == 0 ? text : text + fmt::format(", port-channel{}", port.channel);
 }
 
+std::string box(unsigned x, unsigned y, const pictured_port& port) {
+  return fmt::format("  <rect x=\"{}\" y=\"{}\" width=\"{}\" height=\"{}\" rx=\"2\" fill=\"{}\" {}", x, y, kPortSize,
+                     kPortSize, fill_of(port),
+                     port.channel != 0 ? "stroke=\"#000000\" stroke-width=\"2\"" : "stroke=\"#888888\"");
+}
+
 void add_port(const pictured_port& port, unsigned top, std::string& svg) {
   unsigned place = port.port - 1;
   unsigned x = kLeft + place % kSvgPortsPerRow * kPortStep;
   unsigned y = top + place / kSvgPortsPerRow * kPortStep;
-  svg += fmt::format(
-      "  <rect x=\"{}\" y=\"{}\" width=\"{}\" height=\"{}\" rx=\"2\" fill=\"{}\" stroke=\"{}\"><title>{}</title></rect>\n",
-      x, y, kPortSize, kPortSize, fill_of(port), port.channel != 0 ? "#000000" : "#888888", xml(tip_of(port)));
+  svg += fmt::format("{}><title>{}</title></rect>\n", box(x, y, port), xml(tip_of(port)));
 }
 
 unsigned port_rows(const pictured_slot& slot) {
@@ -188,27 +230,53 @@ unsigned slot_height(const pictured_slot& slot) {
   return kSlotStep + (port_rows(slot) - 1) * kPortStep;
 }
 
-const char* slot_label(const pictured_slot& slot) {
+std::string slot_label(const pictured_slot& slot) {
   if (slot.holds == pictured_slot::content::supervisor) return "supervisor";
-  return slot.holds == pictured_slot::content::empty ? "empty" : slot.name.c_str();
+  return slot.holds == pictured_slot::content::empty ? "empty" : slot.name;
 }
 
 void add_slot(const pictured_slot& slot, unsigned top, unsigned width, std::string& svg) {
   svg += fmt::format("  <rect x=\"10\" y=\"{}\" width=\"{}\" height=\"{}\" fill=\"#f7f7f7\" stroke=\"#bbbbbb\"/>\n", top,
                      width - 20, slot_height(slot) - 6);
-  svg += fmt::format("  <text x=\"18\" y=\"{}\" font-weight=\"bold\">{}</text>\n", top + 15, slot.slot);
-  svg += fmt::format("  <text x=\"18\" y=\"{}\">{}</text>\n", top + 31, xml(slot_label(slot)));
+  svg += fmt::format("  <text x=\"18\" y=\"{}\" font-weight=\"bold\">{}</text>\n", top + 19, slot.slot);
+  // Under the ports a name has their whole width.
+  unsigned name_top = slot.ports.empty() ? top + 19 : top + 18 + port_rows(slot) * kPortStep;
+  if (!slot_label(slot).empty()) svg += svg_text(kLeft, name_top, "", slot_label(slot));
   for (const auto& port : slot.ports) add_port(port, top + 8, svg);
 }
 
-void add_svg_legend(const chassis_picture& picture, unsigned top, std::string& svg) {
+constexpr unsigned kLegendStep = 20;
+
+struct svg_legend_line {
+  pictured_port sample;
+  std::string text;
+};
+
+// The VSANs, and then what every other look of a port means.
+std::vector<svg_legend_line> svg_legend(const chassis_picture& picture) {
+  std::vector<svg_legend_line> lines;
+  pictured_port sample;
+  sample.index = 0;
   for (size_t hue = 0; hue < picture.legend.size(); ++hue) {
-    unsigned y = top + static_cast<unsigned>(hue) * 20;
     const auto& entry = picture.legend[hue];
-    svg += fmt::format("  <rect x=\"18\" y=\"{}\" width=\"{}\" height=\"{}\" rx=\"2\" fill=\"{}\" stroke=\"#888888\"/>\n",
-                       y, kPortSize, kPortSize, kSvgHues[hue % std::size(kSvgHues)]);
-    svg += fmt::format("  <text x=\"40\" y=\"{}\">VSAN {}{}{}</text>\n", y + 12, entry.vsan, entry.name.empty() ? "" : " ",
-                       xml(entry.name));
+    sample.vsan = entry.vsan;
+    sample.hue = hue;
+    lines.push_back({sample, fmt::format("VSAN {}{}{}", entry.vsan, entry.name.empty() ? "" : " ", entry.name)});
+  }
+  pictured_port without_vsan;
+  without_vsan.index = 0;
+  lines.push_back({without_vsan, "grey: in no VSAN"});
+  pictured_port without_place;
+  lines.push_back({without_place, "not filled: no place in the port map"});
+  without_place.channel = 1;
+  lines.push_back({without_place, "black border: member of a port-channel"});
+  return lines;
+}
+
+void add_svg_legend(const std::vector<svg_legend_line>& lines, unsigned top, std::string& svg) {
+  for (const auto& line : lines) {
+    svg += box(18, top, line.sample) + "/>\n" + svg_text(40, top + 12, "", line.text);
+    top += kLegendStep;
   }
 }
 
@@ -217,8 +285,8 @@ void add_svg_legend(const chassis_picture& picture, unsigned top, std::string& s
 chassis_picture picture_of(const library_session& session) {
   const auto& chassis = session.chassis();
   chassis_picture picture;
-  picture.title =
-      fmt::format("{}{}{} slots, type {}", chassis.name, chassis.name.empty() ? "" : ": ", chassis.slots(), chassis.type);
+  picture.title = fmt::format("{}{}{} slot{}, type {}", chassis.name, chassis.name.empty() ? "" : ": ", chassis.slots(),
+                              chassis.slots() == 1 ? "" : "s", chassis.type);
   for (unsigned slot = 1; slot <= chassis.slots(); ++slot) picture.slots.push_back(picture_slot(session, slot));
   add_legend(chassis, picture);
   return picture;
@@ -232,20 +300,21 @@ std::string draw_text(const chassis_picture& picture, bool colour) {
 
 std::string draw_svg(const chassis_picture& picture) {
   constexpr unsigned kWidth = kLeft + kSvgPortsPerRow * kPortStep + 20;
-  unsigned height = kTop + static_cast<unsigned>(picture.legend.size()) * 20 + 20;
+  auto legend = svg_legend(picture);
+  unsigned height = kTop + static_cast<unsigned>(legend.size()) * kLegendStep + 20;
   for (const auto& slot : picture.slots) height += slot_height(slot);
   std::string svg = fmt::format(
       "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0}\" height=\"{1}\" viewBox=\"0 0 {0} {1}\" "
       "font-family=\"sans-serif\" font-size=\"12\">\n"
       "  <title>{2}</title>\n  <rect width=\"{0}\" height=\"{1}\" fill=\"#ffffff\"/>\n"
-      "  <text x=\"10\" y=\"30\" font-size=\"18\">{2}</text>\n",
-      kWidth, height, xml(picture.title));
+      "{3}",
+      kWidth, height, xml(picture.title), svg_text(10, 30, " font-size=\"18\"", picture.title));
   unsigned top = kTop;
   for (const auto& slot : picture.slots) {
     add_slot(slot, top, kWidth, svg);
     top += slot_height(slot);
   }
-  add_svg_legend(picture, top + 10, svg);
+  add_svg_legend(legend, top + 10, svg);
   return svg + "</svg>\n";
 }
 

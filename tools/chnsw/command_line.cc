@@ -17,6 +17,7 @@
 #include "info_command.h"
 #include "map_commands.h"
 #include "resolve_commands.h"
+#include "tod_command.h"
 #include "watch_command.h"
 
 namespace chnsw_tool {
@@ -26,8 +27,8 @@ namespace {
 constexpr char kVersion[] = "chnsw " CHNSW_VERSION;
 
 constexpr char kGeneralHelp[] =
-    "Numbers: bare digits are hexadecimal for a port address (PA) and decimal for everything else; 0x always makes them\n"
-    "hexadecimal. One number, a list or a range: C0  10-1F,30  all\n"
+    "Numbers: bare digits are hexadecimal for a port address (PA) and a TOD clock value, decimal for everything else; 0x\n"
+    "always makes them hexadecimal. One number, a list or a range: C0  10-1F,30  all\n"
     "\n"
     "Exit status: 0 found, 1 not found or findings, 2 wrong command line or chassis file, 3 a folder, a service or the "
     "output\n"
@@ -151,18 +152,20 @@ void add_list_commands(CLI::App& app, parsed_command_line& line) {
 }
 
 void add_walk_commands(CLI::App& app, parsed_command_line& line) {
-  constexpr char kStart[] = "Interface to start from: fc3/5, or an index like 0x01020400. Slots and ports are decimal.";
-  CLI::App* next = add_command(app, "next", "The next numbered port after an interface",
-                               "  chnsw -s FILE next fc1/1\n  chnsw -s FILE next fc1/1 --all");
+  constexpr char kStart[] =
+      "Interfaces to start from: fc3/5, fc3/1-48, an index like 0x01020400, or all. Slots and ports are decimal.";
+  CLI::App* next =
+      add_command(app, "next", "The next numbered port after an interface",
+                  "  chnsw -s FILE next fc1/1\n  chnsw -s FILE next fc1/1-8,fc2/3\n  chnsw -s FILE next fc1/1 --all");
   auto next_with = std::make_shared<walk_options>();
-  next->add_option("IF", next_with->interface, kStart)->required()->type_name("");
+  next->add_option("WHAT", next_with->what, kStart)->required()->type_name("");
   next->add_flag("--all", next_with->all, "Go on to the end of the walk");
   runs(next, show_next, next_with, line);
 
-  CLI::App* last =
-      add_command(app, "last", "The last numbered port of an interface's line card", "  chnsw -s FILE last fc1/1");
+  CLI::App* last = add_command(app, "last", "The last numbered port of an interface's line card",
+                               "  chnsw -s FILE last fc1/1\n  chnsw -s FILE last fc1/1,fc2/1");
   auto last_with = std::make_shared<walk_options>();
-  last->add_option("IF", last_with->interface, kStart)->required()->type_name("");
+  last->add_option("WHAT", last_with->what, kStart)->required()->type_name("");
   runs(last, show_last, last_with, line);
 }
 
@@ -243,9 +246,10 @@ void add_file_commands(CLI::App& app, parsed_command_line& line) {
 
 void add_set_commands(CLI::App& app, parsed_command_line& line) {
   CLI::App* set = add_command(
-      app, "set", "Change an entry of the port map in a switch's folder",
+      app, "set", "Change an entry of the port map, or a time reference, in a switch's folder",
       "  chnsw -s /tmp/director set port fc3/5 --pa 2F\n  chnsw -s /tmp/director set port 1030 --pn none --pa none\n"
-      "  chnsw -s /tmp/director set binding 240 port-channel5\n  chnsw -s /tmp/director set address 2F 12");
+      "  chnsw -s /tmp/director set binding 240 port-channel5\n  chnsw -s /tmp/director set address 2F 12\n"
+      "  chnsw -s /tmp/director set time 10 now");
   set->require_subcommand(1);
 
   CLI::App* port = add_command(*set, "port", "A port's numbers and VSANs",
@@ -276,6 +280,49 @@ void add_set_commands(CLI::App& app, parsed_command_line& line) {
   address->add_option("PA", address_with->pa, "Port address, hexadecimal")->required()->type_name("");
   address->add_option("PN", address_with->pn, "Port number, decimal, or none")->required()->type_name("");
   runs(address, set_address, address_with, line);
+}
+
+// ---- tod, set time ----
+
+void add_time_commands(CLI::App& app, parsed_command_line& line) {
+  CLI::App* tod =
+      add_command(app, "tod", "The mainframe's time (TOD clock values) and the host's, and a VSAN's time stamp",
+                  "  chnsw tod CE4F44C40DC3B000\n  chnsw tod now 2015-01-05T09:07:03.000123Z @1420448823.9\n"
+                  "  chnsw tod - --format csv < values.txt\n  chnsw tod CE4F44C4 --leap-seconds 27 --explain\n"
+                  "  chnsw -s FILE tod --vsan 10\n  chnsw -s FILE tod --vsan all --at 2015-01-05T09:07:04.1Z --explain");
+  auto options = std::make_shared<tod_options>();
+  tod->add_option("WHAT", options->what,
+                  "TOD clock values (4 to 16 digits, hexadecimal, padded with zeros on the right), times in UTC like "
+                  "2015-01-05T09:07:03.9Z, host seconds since 1970 like @1420448823.9 (decimal), now; - for the lines of "
+                  "standard input")
+      ->type_name("");
+  tod->add_option("--vsan", options->vsans,
+                  "The time stamps of VSANs by their references: 10, 10,20 or all that have one, decimal")
+      ->type_name("VSANS");
+  tod->add_option("--at", options->at, "The host's time for them: a time, @seconds or now, the default")->type_name("TIME");
+  tod->add_option("--leap-seconds", options->leap_seconds,
+                  "The TOD clock counts this many leap seconds: subtracted for UTC and host seconds, 0 to 999")
+      ->check(CLI::Range(0, 999))
+      ->type_name("N");
+  tod->add_flag("--explain", options->explain, "Show the arithmetic, and how far a time stamp drifts by it");
+  runs(tod, show_tod, options, line);
+}
+
+void add_set_time_command(CLI::App& set, parsed_command_line& line) {
+  CLI::App* time = add_command(set, "time", "The reference of a VSAN's time stamps",
+                               "  chnsw -s /tmp/director set time 10 now\n"
+                               "  chnsw -s /tmp/director set time 10 2015-01-05T09:07:03.9Z CE4F44C4E976\n"
+                               "  chnsw -s /tmp/director set time 10 none");
+  auto options = std::make_shared<set_time_options>();
+  time->add_option("VSAN", options->vsan, "VSAN, decimal")->required()->type_name("");
+  time->add_option("HOST", options->host_time, "The host's time: a time in UTC, @seconds, now; or none")
+      ->required()
+      ->type_name("");
+  time->add_option("TOD", options->tod,
+                   "The TOD clock value of the same moment, 4 to 16 digits, hexadecimal, or now; the host's time when left "
+                   "out")
+      ->type_name("");
+  runs(time, set_time, options, line);
 }
 
 // ---- The whole ----
@@ -350,9 +397,29 @@ void check_command(const CLI::App& app, const std::string& word) {
                   nearest.empty() ? "chnsw --help lists them" : fmt::format("did you mean \"{}\"?", nearest)));
 }
 
+// The commands that were read before something went wrong: none, "pa", or "set" and "port".
+std::vector<const CLI::App*> commands_read(const CLI::App& app) {
+  std::vector<const CLI::App*> commands;
+  for (auto inner = app.get_subcommands(); !inner.empty(); inner = inner.front()->get_subcommands())
+    commands.push_back(inner.front());
+  return commands;
+}
+
 std::string help_command(const CLI::App& app) {
-  auto asked = app.get_subcommands();
-  return asked.empty() ? "chnsw --help" : fmt::format("chnsw {} --help", asked.front()->get_name());
+  std::string command = "chnsw";
+  for (const CLI::App* read : commands_read(app)) command += " " + read->get_name();
+  return command + " --help";
+}
+
+// What is wrong, and what a command that wants another one after it would take there.
+std::string complaint(const CLI::App& app, const CLI::ParseError& error) {
+  auto read = commands_read(app);
+  bool is_required = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);
+  if (!is_required || read.empty() || read.back()->get_require_subcommand_min() == 0) return error.what();
+  std::string allowed;
+  for (const CLI::App* sub : read.back()->get_subcommands(nullptr))
+    allowed += (allowed.empty() ? "" : ", ") + sub->get_name();
+  return fmt::format("{} is followed by one of: {}", read.back()->get_name(), allowed);
 }
 
 } // namespace
@@ -370,13 +437,15 @@ parsed_command_line parse_command_line(int argc, char** argv) {
   add_judging_commands(app, line);
   add_file_commands(app, line);
   add_set_commands(app, line);
+  add_time_commands(app, line);
+  add_set_time_command(*app.get_subcommand("set"), line);
   try {
     if (std::string word = first_word(argc, argv); !word.empty()) check_command(app, word);
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;
     std::ostringstream ignored;
-    if (error.get_exit_code() != 0) throw usage_error(fmt::format("{}; see {}", error.what(), help_command(app)));
+    if (error.get_exit_code() != 0) throw usage_error(fmt::format("{}; see {}", complaint(app, error), help_command(app)));
     app.exit(error, out, ignored);
     line.text = out.str();
   }

@@ -76,6 +76,18 @@ ordered_json addresses_of(const vswitch::port_map& map) {
   return addresses;
 }
 
+ordered_json times_of(const vswitch::chassis_description& chassis) {
+  ordered_json times = ordered_json::array();
+  for (const auto& [vsan, reference] : chassis.times)
+    times.push_back({{"vsan", vsan},
+                     {"host_time", vswitch::utc_text(vswitch::instant_of(reference.host))},
+                     {"host_seconds", reference.host.seconds},
+                     {"host_microseconds", reference.host.microseconds},
+                     {"tod", reference.tod},
+                     {"tod_hex", fmt::format("0x{:016X}", reference.tod)}});
+  return times;
+}
+
 ordered_json chassis_of(const vswitch::chassis_description& chassis) {
   ordered_json cards = ordered_json::array();
   for (const auto& card : chassis.line_cards)
@@ -106,6 +118,7 @@ std::string as_json(const vswitch::chassis_description& chassis, int indent) {
   whole["ports"] = entries_of(chassis);
   whole["bindings"] = bindings_of(chassis.map);
   whole["addresses"] = addresses_of(chassis.map);
+  whole["time_references"] = times_of(chassis);
   whole["port_vsan_array"] = fmt::format("{:02x}", fmt::join(chassis.map.vsan_array, " "));
   return whole.dump(indent, ' ', false, ordered_json::error_handler_t::replace) + "\n";
 }

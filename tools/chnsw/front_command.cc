@@ -1,11 +1,16 @@
 // front: the picture where it is wanted.
 #include "front_command.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <string_view>
 
 #include "chassis_picture.h"
 #include "port_row.h"
@@ -14,20 +19,55 @@ namespace chnsw_tool {
 
 namespace {
 
-// Whole or not at all: a picture that was there stays until the new one is complete.
-void write_file(const std::string& path, const std::string& text) {
-  std::string draft = path + ".new";
-  std::FILE* file = std::fopen(draft.c_str(), "wxe");
-  bool written = file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
-  int error = errno;
-  if (file != nullptr && std::fclose(file) != 0) {
-    written = false;
-    error = errno;
-  }
-  if (written && std::rename(draft.c_str(), path.c_str()) == 0) return;
-  if (written) error = errno;
-  if (file != nullptr) std::remove(draft.c_str());
+[[noreturn]] void refuse(const std::string& path, int error) {
   throw platform_error(fmt::format("the picture cannot be written to {}: {}", path, std::strerror(error)));
+}
+
+// Closes the file; returns 0, or the error that kept the text from getting there whole.
+int write_whole(int fd, std::string_view text) {
+  int error = 0;
+  while (error == 0 && !text.empty()) {
+    ssize_t written = ::write(fd, text.data(), text.size());
+    if (written >= 0)
+      text.remove_prefix(static_cast<size_t>(written));
+    else if (errno != EINTR)
+      error = errno;
+  }
+  return ::close(fd) != 0 && error == 0 ? errno : error;
+}
+
+// A device or a pipe takes the text as it comes; it must not be replaced by a file.
+void write_through(const std::string& path, const std::string& text) {
+  int fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  if (fd == -1) refuse(path, errno);
+  if (int error = write_whole(fd, text)) refuse(path, error);
+}
+
+mode_t mode_of_new_files() {
+  mode_t mask = ::umask(0);
+  ::umask(mask);
+  return 0666 & ~mask;
+}
+
+// Whole or not at all: a picture that was there stays until the new one is complete, and then passes its mode on.
+void replace_file(const std::string& path, const std::string& text, mode_t mode) {
+  std::string draft = path + ".XXXXXX";
+  int fd = ::mkostemp(draft.data(), O_CLOEXEC);
+  if (fd == -1) refuse(path, errno);
+  int error = ::fchmod(fd, mode) == 0 ? 0 : errno;
+  if (int unwritten = write_whole(fd, text)) error = unwritten;
+  if (error == 0 && ::rename(draft.c_str(), path.c_str()) == 0) return;
+  if (error == 0) error = errno;
+  ::unlink(draft.c_str());
+  refuse(path, error);
+}
+
+void write_file(const std::string& path, const std::string& text) {
+  struct stat found;
+  if (::stat(path.c_str(), &found) != 0) return replace_file(path, text, mode_of_new_files());
+  if (!S_ISREG(found.st_mode)) return write_through(path, text);
+  // Behind a link it is the file that is replaced, not the link.
+  replace_file(std::filesystem::canonical(path).string(), text, found.st_mode & 07777);
 }
 
 const char* content_name(pictured_slot::content content) {

@@ -37,6 +37,7 @@ std::string record_text(const vswitch::chassis_description& chassis) {
 
 std::vector<std::string> names_of(const std::vector<uint32_t>& interfaces) {
   std::vector<std::string> names;
+  names.reserve(interfaces.size());
   for (uint32_t interface : interfaces) names.push_back(vswitch::interface_name(interface));
   return names;
 }

@@ -25,7 +25,8 @@ namespace {
 std::string objection(const vswitch::chassis_description& chassis, unsigned slot) {
   uint8_t card = 0;
   int32_t answer = ficonm_platform_slot_to_lc_b0(static_cast<uint8_t>(slot - 1), &card);
-  std::string kind = fmt::format("a chassis of {} slots and type {}", chassis.slots(), chassis.type);
+  std::string kind =
+      fmt::format("a chassis of {} slot{} and type {}", chassis.slots(), chassis.slots() == 1 ? "" : "s", chassis.type);
   if (answer == FICON_RC_PLATFORM)
     throw platform_error("the library cannot ask for slots: " + status_text(FICON_RC_PLATFORM));
   if (answer != 0)
@@ -149,6 +150,7 @@ std::vector<std::string> events_during(const std::function<void()>& ask) {
 }
 
 std::optional<uint32_t> port_map_place(unsigned slot, unsigned port) {
+  if (port > FICON_PMAP_PORTS_PER_LC) return std::nullopt; // its index would be the next line card's
   uint8_t card = 0;
   if (ficonm_platform_slot_to_lc_b0(static_cast<uint8_t>(slot - 1), &card) != 0) return std::nullopt;
   return uint32_t{card} * FICON_PMAP_PORTS_PER_LC + port - 1;

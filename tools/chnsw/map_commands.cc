@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "interface_index.h"
+#include "map_findings.h"
 #include "port_map_walk.h"
 #include "port_row.h"
 #include "target_numbers.h"
@@ -42,8 +43,9 @@ std::vector<column> map_columns() {
 std::optional<uint32_t> interface_at(const library_session& session, uint32_t index, uint32_t pn) {
   if (index >= FICON_PMAP_PHYS_ENTRIES && pn >= session.ports()) return std::nullopt;
   uint32_t interface = 0;
-  if (ficon_pmap_get_index_to_if(static_cast<int32_t>(index), pn, &interface) != 0) return std::nullopt;
-  return interface;
+  const uint32_t answer = ficon_pmap_get_index_to_if(static_cast<int32_t>(index), pn, &interface);
+  if (answer == FICON_RC_NO_MEMORY) throw platform_error("the library was refused memory: " + status_text(answer));
+  return answer == 0 ? std::optional(interface) : std::nullopt;
 }
 
 // Whether a port is plugged behind an index, and the port-channel that it is a member of.
@@ -104,12 +106,6 @@ void add_vsan(uint32_t vsan, result_document& document) {
   }
 }
 
-std::vector<uint32_t> all_vsans(const vswitch::chassis_description& chassis) {
-  std::vector<uint32_t> vsans;
-  for (const auto& [number, name] : chassis.vsans) vsans.push_back(number);
-  return vsans;
-}
-
 // ---- next, last ----
 
 using interface_walk = int32_t (*)(uint32_t, uint32_t*);
@@ -127,10 +123,10 @@ std::vector<column> walk_columns() {
 }
 
 // One step's row: the interface that was found with all that belongs to it, or the status that ended the walk.
-result_row walk_row(const library_session& session, uint32_t from, uint32_t answer, uint32_t found) {
+result_row walk_row(const library_session& session, uint32_t from, std::optional<uint32_t> answer, uint32_t found) {
   port_row row;
   row.answer = answer;
-  if (answer == 0) {
+  if (answer && *answer == 0) {
     row.if_index = found;
     auto port = vswitch::fc_port_of(found);
     if (port) row.index = port_map_place(port->slot, port->port);
@@ -148,43 +144,56 @@ result_row walk_row(const library_session& session, uint32_t from, uint32_t answ
 }
 
 struct walk_step {
-  uint32_t answer;
-  uint32_t found;
+  std::optional<uint32_t> answer; // no value: the library was not asked
+  uint32_t found = 0;
 };
 
+bool is_found(const walk_step& step) {
+  return step.answer && *step.answer == 0;
+}
+
 walk_step take_step(interface_walk walk, uint32_t from) {
-  if (is_beyond_port_map(from))
-    throw usage_error(fmt::format("{} is beyond the port map: the library is not asked", vswitch::interface_name(from)));
-  walk_step step{0, 0};
+  if (is_beyond_port_map(from)) {
+    notice(fmt::format("{} is beyond the port map: the library is not asked", vswitch::interface_name(from)));
+    return {};
+  }
+  walk_step step;
   step.answer = static_cast<uint32_t>(walk(from, &step.found));
   return step;
 }
 
-exit_code walk_once(const command_context& context, interface_walk walk, const std::string& interface) {
-  library_session session = context.open_session();
-  uint32_t from = parse_interface(interface);
+// One step; whether it found anything.
+bool walk_once(const library_session& session, interface_walk walk, uint32_t from, result_document& document) {
   walk_step step = take_step(walk, from);
-  result_document document{walk_columns(), {}};
   document.rows.push_back(walk_row(session, from, step.answer, step.found));
-  context.print(document);
-  return step.answer == 0 ? kFound : kNotFound;
+  return is_found(step);
 }
 
 // Every step to the end. The end itself is no row, unless the walk ended otherwise than by there being no next interface.
-exit_code walk_to_the_end(const command_context& context, const std::string& interface) {
-  library_session session = context.open_session();
-  uint32_t from = parse_interface(interface);
-  result_document document{walk_columns(), {}};
-  walk_step step = take_step(ficon_pmap_get_next_if, from);
-  while (step.answer == 0) {
+bool walk_to_the_end(const library_session& session, interface_walk walk, uint32_t from, result_document& document) {
+  walk_step step = take_step(walk, from);
+  bool found_any = is_found(step);
+  while (is_found(step)) {
     document.rows.push_back(walk_row(session, from, step.answer, step.found));
     from = step.found;
-    step = take_step(ficon_pmap_get_next_if, from);
+    step = take_step(walk, from);
   }
-  bool ended = step.answer == FICON_RC_PLATFORM && !document.rows.empty();
+  bool ended = found_any && step.answer == FICON_RC_PLATFORM;
   if (!ended) document.rows.push_back(walk_row(session, from, step.answer, step.found));
+  return ended;
+}
+
+// From every interface of a list.
+exit_code walk_from_each(const command_context& context, interface_walk walk, const walk_options& options) {
+  library_session session = context.open_session();
+  result_document document{walk_columns(), {}};
+  bool all_found = true;
+  for (uint32_t from : parse_interfaces(session.chassis(), options.what)) {
+    bool found = options.all ? walk_to_the_end(session, walk, from, document) : walk_once(session, walk, from, document);
+    all_found = all_found && found;
+  }
   context.print(document);
-  return ended ? kFound : kNotFound;
+  return all_found && !document.rows.empty() ? kFound : kNotFound;
 }
 
 } // namespace
@@ -226,7 +235,7 @@ exit_code show_vsans(const command_context& context, const vsan_options& options
                             {"bound", "BOUND"}},
                            {}};
   bool every_one_has_ports = true;
-  for (uint32_t vsan : parse_numbers(kVsan, options.vsans, all_vsans(session.chassis()))) {
+  for (uint32_t vsan : parse_numbers(kVsan, options.vsans, vsans_of(session))) {
     size_t before = document.rows.size();
     add_vsan(vsan, document);
     if (document.rows.size() == before) every_one_has_ports = false;
@@ -258,12 +267,11 @@ exit_code show_logical_interfaces(const command_context& context, const no_optio
 }
 
 exit_code show_next(const command_context& context, const walk_options& options) {
-  return options.all ? walk_to_the_end(context, options.interface)
-                     : walk_once(context, ficon_pmap_get_next_if, options.interface);
+  return walk_from_each(context, ficon_pmap_get_next_if, options);
 }
 
 exit_code show_last(const command_context& context, const walk_options& options) {
-  return walk_once(context, ficon_pmap_get_last_if, options.interface);
+  return walk_from_each(context, ficon_pmap_get_last_if, options);
 }
 
 } // namespace chnsw_tool

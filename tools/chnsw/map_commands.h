@@ -21,7 +21,7 @@ struct vsan_options {
 struct no_options {};
 
 struct walk_options {
-  std::string interface;
+  std::vector<std::string> what; // interfaces to start from
   bool all = false;
 };
 

@@ -201,7 +201,7 @@ class map_check {
     if (!is_bound(numbers))
       return add(finding_kind::unbound, place_name(index), std::nullopt, where, 0,
                  "it has numbers, but is bound to no VSAN");
-    if (index >= FICON_PMAP_PHYS_ENTRIES || vsan == 0 || is_bound_to(numbers, vsan)) return;
+    if (vsan == 0 || is_bound_to(numbers, vsan)) return;
     add(finding_kind::unbound, place_name(index), vsan, where, 0,
         fmt::format("the port is in VSAN {}, but bound only to {}", vsan, fmt::join(bound_vsans(numbers), ", ")));
   }

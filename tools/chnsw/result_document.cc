@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "interface_index.h"
 #include "libchnsw.h"
@@ -51,6 +52,13 @@ std::string hex_text(int64_t number, unsigned digits) {
   return fmt::format("0x{:0{}X}", number, digits);
 }
 
+// A number's hexadecimal text; none for a value that is no number.
+std::optional<std::string> hex_of(const cell& value, unsigned digits) {
+  if (auto wide = std::get_if<wide_number>(&value)) return fmt::format("0x{:0{}X}", wide->value, digits);
+  if (auto number = std::get_if<int64_t>(&value)) return hex_text(*number, digits);
+  return std::nullopt;
+}
+
 ordered_json status_data(status value) {
   return {{"code", value.code}, {"hex", hex_text(value.code, 8)}, {"name", status_name(value.code)}};
 }
@@ -59,6 +67,7 @@ struct to_json {
   ordered_json operator()(std::monostate) const { return nullptr; }
   ordered_json operator()(status value) const { return status_data(value); }
   ordered_json operator()(const toned_text& value) const { return value.text; }
+  ordered_json operator()(wide_number number) const { return number.value; }
   template <typename plain>
   ordered_json operator()(const plain& value) const {
     return value;
@@ -78,8 +87,8 @@ ordered_json row_data(const std::vector<column>& columns, const result_row& row)
     if (!in_data(columns[i])) continue;
     object[columns[i].key] = std::visit(to_json{}, row.cells[i]);
     if (columns[i].hex_digits == 0) continue;
-    auto number = std::get_if<int64_t>(&row.cells[i]);
-    object[columns[i].key + "_hex"] = number ? ordered_json(hex_text(*number, columns[i].hex_digits)) : ordered_json();
+    auto hex = hex_of(row.cells[i], columns[i].hex_digits);
+    object[columns[i].key + "_hex"] = hex ? ordered_json(*hex) : ordered_json();
   }
   if (row.explanation) object["explanation"] = *row.explanation;
   return object;
@@ -120,6 +129,7 @@ std::string csv_line(const std::vector<std::string>& fields) {
 struct to_csv {
   std::string operator()(std::monostate) const { return ""; }
   std::string operator()(int64_t value) const { return std::to_string(value); }
+  std::string operator()(wide_number number) const { return std::to_string(number.value); }
   std::string operator()(bool value) const { return value ? "true" : "false"; }
   std::string operator()(const std::string& value) const { return value; }
   std::string operator()(const number_list& value) const { return fmt::format("{}", fmt::join(value, " ")); }
@@ -150,8 +160,7 @@ void add_csv_fields(const column& column, const cell& value, std::vector<std::st
     fields.push_back(code ? hex_text(code->code, 8) : "");
     fields.push_back(code ? std::string(status_name(code->code)) : "");
   } else if (column.hex_digits != 0) {
-    auto number = std::get_if<int64_t>(&value);
-    fields.push_back(number ? hex_text(*number, column.hex_digits) : "");
+    fields.push_back(hex_of(value, column.hex_digits).value_or(""));
   }
 }
 
@@ -176,7 +185,8 @@ std::string csv_document(const result_document& document) {
 
 void add_flat(const std::string& field, const ordered_json& value, std::string& text) {
   if (value.is_structured()) {
-    for (const auto& [key, part] : value.items()) add_flat(field.empty() ? key : field + "." + key, part, text);
+    for (const auto& [key, part] : value.items())
+      add_flat(field.empty() ? key : fmt::format("{}.{}", field, key), part, text);
     return;
   }
   std::string shown = value.is_string() ? value.get<std::string>() : value.is_null() ? "" : dump(value, -1);
@@ -194,6 +204,7 @@ struct to_table {
     // Addresses have two digits, as engineers write them; interface indexes say that they are hexadecimal.
     return where.hex_digits > 2 ? hex_text(value, where.hex_digits) : fmt::format("{:0{}X}", value, where.hex_digits);
   }
+  std::string operator()(wide_number number) const { return std::to_string(number.value); }
   std::string operator()(bool value) const { return value ? "yes" : "no"; }
   std::string operator()(const std::string& value) const { return value.empty() ? "-" : printable(value); }
   std::string operator()(const number_list& value) const {
@@ -276,12 +287,15 @@ std::string status_text(uint32_t code) {
 
 std::string printable(std::string_view text) {
   std::string result;
-  for (char c : text) {
-    auto byte = static_cast<unsigned char>(c);
+  for (size_t i = 0; i < text.size(); ++i) {
+    auto byte = static_cast<unsigned char>(text[i]);
+    auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : '\0');
     if (byte < 0x20 || byte == 0x7F)
       result += fmt::format("\\x{:02X}", byte);
+    else if (byte == 0xC2 && next >= 0x80 && next < 0xA0) // U+0080 to U+009F: control characters too
+      result += fmt::format("\\x{:02X}", static_cast<unsigned char>(text[++i]));
     else
-      result += c;
+      result += text[i];
   }
   return result;
 }

@@ -36,8 +36,13 @@ struct toned_text {
 
 using number_list = std::vector<uint16_t>;
 
+// A number of 64 bits without a sign. Some readers of JSON lose its last digits; the text beside it has them all.
+struct wide_number {
+  uint64_t value = 0;
+};
+
 // What one place of a row holds; std::monostate is a missing value.
-using cell = std::variant<std::monostate, int64_t, bool, std::string, number_list, status, toned_text>;
+using cell = std::variant<std::monostate, int64_t, wide_number, bool, std::string, number_list, status, toned_text>;
 
 struct column {
   enum place { everywhere, table_only, data_only };

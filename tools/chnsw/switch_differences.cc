@@ -11,6 +11,7 @@
 #include "interface_index.h"
 #include "port_map_walk.h"
 #include "port_row.h"
+#include "tool_error.h"
 
 namespace chnsw_tool {
 
@@ -56,6 +57,14 @@ shown_value bytes_value(const bytes& values) {
   return text_value(fmt::format("{:02x}", fmt::join(values, " ")));
 }
 
+// A name of "-" is not the same as no name, although both are shown alike.
+bool same(const shown_value& a, const shown_value& b) {
+  auto a_text = std::get_if<std::string>(&a.data);
+  auto b_text = std::get_if<std::string>(&b.data);
+  if (a_text != nullptr && b_text != nullptr) return *a_text == *b_text;
+  return a.data.index() == b.data.index() && a.text == b.text;
+}
+
 class comparison {
  public:
   comparison(const chassis_description& before, const chassis_description& after) : before_(before), after_(after) {}
@@ -64,16 +73,26 @@ class comparison {
     compare_chassis();
     compare_cards();
     compare_vsans();
+    compare_times();
     compare_interfaces();
     compare_entries();
     compare_tables();
+    if (found_.empty()) require_equal();
     return std::move(found_);
   }
 
  private:
+  // A field that is not looked at here must not pass for equal.
+  void require_equal() const {
+    chassis_description same_counter = after_;
+    same_counter.change_counter = before_.change_counter;
+    if (!(same_counter == before_))
+      throw platform_error("internal error: the switches differ in something that has no name here; please report it");
+  }
+
   void add(const std::string& where, const std::string& field, const shown_value& before, const shown_value& after,
            std::optional<uint32_t> index = std::nullopt) {
-    if (before.text == after.text) return;
+    if (same(before, after)) return;
     found_.push_back({where, index, field, before.data, after.data, before.text, after.text});
   }
 
@@ -110,6 +129,21 @@ class comparison {
       else
         add(where, "is there", presence(before != before_.vsans.end()), presence(after != after_.vsans.end()));
     }
+  }
+
+  static shown_value time_value(const chassis_description& chassis, uint16_t vsan) {
+    auto known = chassis.times.find(vsan);
+    if (known == chassis.times.end()) return absent();
+    const auto& [host, tod] = known->second;
+    return text_value(fmt::format("{} s {} us = {:016X}", host.seconds, host.microseconds, tod));
+  }
+
+  void compare_times() {
+    std::set<uint16_t> all;
+    for (const auto* chassis : {&before_, &after_})
+      for (const auto& [vsan, reference] : chassis->times) all.insert(vsan);
+    for (uint16_t vsan : all)
+      add(fmt::format("VSAN {}", vsan), "time reference", time_value(before_, vsan), time_value(after_, vsan));
   }
 
   static shown_value presence(bool there) { return {there, there ? "yes" : "no"}; }
