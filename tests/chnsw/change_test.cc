@@ -1,6 +1,8 @@
 // create, set, diff, export, watch: everything about folders and files.
 #include "tool_test.h"
 
+#include <unistd.h>
+
 #include <chrono>
 #include <csignal>
 #include <thread>
@@ -335,6 +337,48 @@ TEST_F(Folders, WatchNeedsAFolderAndASensibleInterval) {
   create();
   EXPECT_EQ(in_folder({"watch", "--interval", "0"}).status, 2);
   EXPECT_EQ(in_folder({"watch", "--interval", "nan"}).status, 2);
+}
+
+// The commands of what a review found; each works on a folder "s".
+class FolderCommands : public tool_test {
+ protected:
+  FolderCommands() {
+    write("campus.toml", kCampus);
+    EXPECT_EQ(run({"create", "s", "campus.toml"}).status, 0);
+  }
+};
+
+TEST_F(FolderCommands, NumberThatMeansNoneIsRefused) {
+  auto address = run({"-s", "s", "set", "port", "fc1/1", "--pa", "200"});
+  EXPECT_EQ(address.err,
+            "chnsw: port address \"200\" is 512, which the port map takes for no number; write none if you mean that\n");
+  EXPECT_EQ(address.status, 2);
+  EXPECT_EQ(run({"-s", "s", "set", "port", "fc1/1", "--pn", "512"}).status, 2);
+  EXPECT_EQ(parse_json(run({"-s", "s", "info", "--format", "json"}).out)["change_counter"], 7);
+}
+
+TEST_F(FolderCommands, ChangeIsToldEvenWhenTheResultCannotBeWritten) {
+  auto result = shell("chnsw -s s set port fc1/1 --pa 40 > /dev/full");
+  EXPECT_THAT(result.err, testing::HasSubstr("chnsw: the change was made, the change counter is 8\n"));
+  EXPECT_EQ(result.status, 3);
+}
+
+TEST_F(FolderCommands, WatchEndsWhenItsReaderGoesAway) {
+  auto result = shell("chnsw -s s watch --interval 0.05 | head -1 > first; echo ${PIPESTATUS[0]}");
+  EXPECT_EQ(result.out, "3\n");
+}
+
+TEST_F(FolderCommands, WatchOfANegativeCountIsRefused) {
+  EXPECT_EQ(run({"-s", "s", "watch", "--count", "-1"}).status, 2);
+}
+
+TEST_F(FolderCommands, WatchThatEndsOnAnErrorLeavesAWholeDocument) {
+  write("other.toml", "[chassis]\nslots = 1\ntype = 27\n");
+  pid_t watch = start("w", {"-s", "s", "watch", "--format", "json", "--interval", "0.05"});
+  while (read("out_w").empty()) usleep(1000);
+  EXPECT_EQ(run({"create", "s", "other.toml"}).status, 0);
+  EXPECT_EQ(wait_for(watch), 3);
+  EXPECT_EQ(parse_json(read("out_w")), nlohmann::json::array());
 }
 
 } // namespace

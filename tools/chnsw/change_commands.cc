@@ -25,7 +25,21 @@ constexpr number_kind kRealVsan = {"VSAN", 10, 1, 4095, "10 or 10,20"};
 
 uint16_t number_or_none(const number_kind& kind, const std::string& word) {
   if (word == kNone) return FICON_PMAP_NO_NUMBER;
-  return static_cast<uint16_t>(parse_number(kind, word));
+  const uint32_t number = parse_number(kind, word);
+  if (number == FICON_PMAP_NO_NUMBER)
+    throw usage_error(fmt::format("{} \"{}\" is {}, which the port map takes for no number; write {} if you mean that",
+                                  kind.what, word, number, kNone));
+  return static_cast<uint16_t>(number);
+}
+
+// Prints what was done; that it was done is told even when the result cannot be.
+void print_done(const command_context& context, const result_document& document, const std::string& what) {
+  try {
+    context.print(document);
+  } catch (const tool_error&) {
+    notice(what);
+    throw;
+  }
 }
 
 std::vector<uint32_t> vsans_or_none(const std::string& word) {
@@ -93,7 +107,10 @@ exit_code print_change(const command_context& context, const applied_change& cha
     document.add({int64_t{change.change_counter}});
     add_difference_cells(found, document.rows.back().cells);
   }
-  context.print(document);
+  const bool changed = !(change.before.map == change.after.map);
+  print_done(context, document,
+             changed ? fmt::format("the change was made, the change counter is {}", change.change_counter)
+                     : "nothing was changed");
   return kFound;
 }
 
@@ -132,7 +149,7 @@ exit_code create_switch(const command_context& context, const create_options& op
                            {}};
   document.add({options.folder, options.from, made.name, int64_t{made.slots()}, int64_t{made.type}, ports,
                 int64_t{made.change_counter}});
-  context.print(document);
+  print_done(context, document, fmt::format("{} was made", options.folder));
   return kFound;
 }
 

@@ -240,6 +240,7 @@ void add_file_commands(CLI::App& app, parsed_command_line& line) {
                    "Seconds between looks at the change counter; 1 when left out")
       ->type_name("SECONDS");
   watch->add_option("--count", watch_with->count, "End after this many drawings; 0: go on until interrupted")
+      ->check(CLI::NonNegativeNumber)
       ->type_name("N");
   runs(watch, watch_switch, watch_with, line);
 }

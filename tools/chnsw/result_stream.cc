@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -41,6 +42,12 @@ result_stream::~result_stream() {
 
 bool result_stream::is_terminal() const {
   return fd_ != -1 && ::isatty(fd_) == 1;
+}
+
+// Asked for no event, poll still tells that the other end is gone; for a file it just sleeps.
+void result_stream::wait(double seconds) const {
+  pollfd end{fd_, 0, 0};
+  if (::poll(&end, 1, static_cast<int>(seconds * 1000)) > 0) throw platform_error("");
 }
 
 void result_stream::write(std::string_view text) {

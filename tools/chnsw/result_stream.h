@@ -16,6 +16,9 @@ class result_stream {
 
   bool is_terminal() const;
 
+  // Waits, or until a signal comes. Throws as write does when the reader goes away meanwhile.
+  void wait(double seconds) const;
+
   // Throws tool_error when not everything could be written; its message is empty when the reader has gone away.
   void write(std::string_view text);
 

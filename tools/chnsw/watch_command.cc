@@ -3,10 +3,9 @@
 
 #include <fmt/format.h>
 
-#include <chrono>
 #include <csignal>
-#include <ctime>
 #include <memory>
+#include <utility>
 
 #include "map_commands.h"
 #include "switch_differences.h"
@@ -28,12 +27,6 @@ void end_on_interrupt() {
   action.sa_handler = ask_to_end;
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
-}
-
-void wait(double seconds) {
-  auto whole = static_cast<time_t>(seconds);
-  timespec pause{whole, static_cast<long>((seconds - static_cast<double>(whole)) * 1e9)};
-  nanosleep(&pause, nullptr);
 }
 
 // What is written at each draw.
@@ -105,15 +98,12 @@ void require_same_chassis(const vswitch::chassis_description& before, const vswi
   throw platform_error("the switch was replaced by one with another chassis; start watch again");
 }
 
-void watch(vswitch::switch_store& store, const command_context& context, const std::string& folder,
-           const watch_options& options) {
-  auto shown = store.describe();
-  drawing picture(context, folder); // begins the document: from here on a change is seen
-  picture.draw(shown, shown);
+void draw_changes(vswitch::switch_store& store, const command_context& context, const watch_options& options,
+                  vswitch::chassis_description shown, drawing& picture) {
   uint64_t draws = 1;
   while (asked_to_end == 0 && (options.count == 0 || draws < options.count)) {
     if (change_counter(store) == shown.change_counter) {
-      wait(options.interval_seconds);
+      context.results.wait(options.interval_seconds);
       continue;
     }
     auto now = store.describe();
@@ -121,6 +111,19 @@ void watch(vswitch::switch_store& store, const command_context& context, const s
     picture.draw(shown, now);
     shown = std::move(now);
     ++draws;
+  }
+}
+
+void watch(vswitch::switch_store& store, const command_context& context, const std::string& folder,
+           const watch_options& options) {
+  auto shown = store.describe();
+  drawing picture(context, folder); // begins the document: from here on a change is seen
+  picture.draw(shown, shown);
+  try {
+    draw_changes(store, context, options, std::move(shown), picture);
+  } catch (...) {
+    picture.end(); // what was written until now is a whole document
+    throw;
   }
   picture.end();
 }
