@@ -7,7 +7,9 @@
 #include <platform/if_index.h>
 #include <platform/lagmap.h>
 #include <platform/memacct.h>
+#include <platform/msgq.h>
 #include <platform/portidx.h>
+#include <platform/tlv_aligned_array.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -139,6 +141,84 @@ int lagmap_get_port(struct lagmap_port_query* query) {
   return 0;
 }
 
+uint32_t hton_if_index(uint32_t if_index) {
+  return if_index ^ 0x00FF00FFu;
+}
+
+uint32_t ntoh_if_index(uint32_t if_index) {
+  return if_index ^ 0x00FF00FFu;
+}
+
+/* ---- messages: what was sent last is what is received next; a TLV array is a count of bytes and one value ---- */
+
+struct msgq_message {
+  uint32_t size;
+  unsigned char payload[1024];
+};
+
+static struct msgq_message last;
+static struct msgq_addr last_to;
+static uint32_t last_opcode;
+static uintptr_t last_send_arg;
+
+int msgq_send(msgq* handle, const struct msgq_addr* to, uint32_t opcode, const void* payload, uint32_t length,
+              uintptr_t send_arg, msgq_message* answered, uint32_t zero) {
+  (void)answered;
+  if (handle == NULL || zero != 0 || length > sizeof last.payload) return -1;
+  last_to = *to;
+  last_opcode = opcode;
+  last_send_arg = send_arg;
+  last.size = length;
+  memset(last.payload, 0, sizeof last.payload);
+  if (length != 0) memcpy(last.payload, payload, length);
+  return 0;
+}
+
+void* msgq_payload_get(msgq_message* message) {
+  return message->payload;
+}
+
+uint32_t msgq_payload_size(msgq_message* message) {
+  return message->size;
+}
+
+int msgq_errno_get(msgq* handle) {
+  return handle == NULL ? 22 : 0;
+}
+
+int tlv_aligned_array_add_tlv(void* array, uint32_t capacity, uint16_t type, uint16_t length, const void* value, int flag) {
+  unsigned char* bytes = array;
+  const uint32_t used = 8u + length;
+  if (flag != 1 || capacity < used) return 1;
+  memcpy(bytes, &used, 4);
+  memcpy(bytes + 4, &type, 2);
+  memcpy(bytes + 6, &length, 2);
+  memcpy(bytes + 8, value, length);
+  return 0;
+}
+
+uint32_t tlv_aligned_array_size_get(const void* array, int flag) {
+  uint32_t used;
+  (void)flag;
+  memcpy(&used, array, sizeof used);
+  return used;
+}
+
+int tlv_aligned_array_get_num_tlvs(const void* array, int flag) {
+  return tlv_aligned_array_size_get(array, flag) == 0 ? 0 : 1;
+}
+
+int tlv_aligned_array_get_next_tlv(const void* array, uint16_t* type, uint16_t* length, void** value, int flag,
+                                   uint32_t* cursor) {
+  (void)array; /* there is but one */
+  if (flag != 1 || *cursor != 0) return 1;
+  memcpy(type, last.payload + 4, 2);
+  memcpy(length, last.payload + 6, 2);
+  *value = last.payload + 8;
+  *cursor = 1;
+  return 0;
+}
+
 /* ---- checks ---- */
 
 static int failures;
@@ -204,11 +284,78 @@ static void check_fast_path(void) {
   CHECK(pn == 8);
 }
 
+static void check_portmap_message(msgq* handle) {
+  uint32_t if_index = 0;
+  uint16_t number_a = 0;
+  uint16_t number_b = 0;
+  CHECK(ficon_send_get_portmap_nonblock(NULL, NULL, NULL, 0, 0, 0, 0, 0, 0) == FICON_RC_INVALID_ARG);
+  CHECK(ficon_send_get_portmap_nonblock(handle, "a", "b", 5, 6, 0x01000205, 7, 8, 99) == 0);
+  CHECK(last_to.node == 0xFE000001 && last_to.service_point == 101);
+  CHECK(last_opcode == 7858 && last_send_arg == 99 && last.size == 138);
+  CHECK(ficon_parse_get_portmap(&last, &if_index, &number_a, &number_b) == 0);
+  CHECK(if_index == 0x01000205 && number_a == 7 && number_b == 8);
+  CHECK(ficon_parse_get_rnid(&last, &if_index, NULL, NULL, NULL, NULL, NULL, NULL) == FICON_RC_INVALID_ARG);
+}
+
+static void check_vsan_messages(msgq* handle) {
+  static struct vsan_block vsans;
+  const uint32_t sent[2] = {0x01000205, 0x01000600};
+  uint32_t* read = NULL;
+  uint32_t count = 0;
+  uint32_t byte0 = 0;
+  int32_t single = 0;
+  int32_t vsan = 0;
+  CHECK(ficon_send_get_enabled_vsans(NULL, 0) == 22);
+  CHECK(ficon_send_vsan_install(handle, 2, sent, 3, 1, 4095, &vsans) == 0);
+  CHECK(last_opcode == 7882 && last.size == 529);
+  CHECK(last.payload[516] == 0x01);
+  CHECK(ficon_parse_vsan_install(&last, &count, &read, &byte0, &single, &vsan, &vsans) == 0);
+  CHECK(count == 2 && byte0 == 3 && single == 1 && vsan == 4095 && vsans.bytes == 512);
+  CHECK(read != NULL && read[0] == sent[0] && read[1] == sent[1]);
+  free(read);
+}
+
+static void check_responses(msgq* handle) {
+  CHECK(ficon_if_swap_unlock_send_resp(handle, &last, 1, 2, 3, 4) == 0);
+  CHECK(last_to.node == 0xFE000000 && last_to.service_point == 0);
+  CHECK(last_opcode == 0 && last.size == sizeof(struct ficon_if_swap_resp));
+}
+
+static void check_messages(void) {
+  static char end;
+  msgq* const handle = (msgq*)(void*)&end;
+  check_portmap_message(handle);
+  check_vsan_messages(handle);
+  check_responses(handle);
+}
+
+static int convert_nothing(const char* input, int32_t input_length, uint32_t mode, char** output, uint32_t* counter,
+                           uint32_t* output_space, uint32_t codepage) {
+  (void)mode;
+  (void)counter;
+  if (codepage != 37 || *output_space < 5 || input_length != 5) return 0;
+  memcpy(*output, input, 5);
+  (*output)[0] = 'h';
+  return 1;
+}
+
+static void check_code_pages(void) {
+  char text[] = "HELLO";
+  CHECK(strcmp(ficon_get_codepage_name(FICON_CODEPAGE_ASCII), "ascii") == 0);
+  convert_fnptr = convert_nothing;
+  CHECK(ficon_get_convert_fn_ptr() == convert_nothing);
+  CHECK(convert_codepage(CHAR_CONVERT_FROM_HOST, 37, text, 5) == 0);
+  CHECK(strcmp(text, "hELLO") == 0);
+  CHECK(convert_codepage(CHAR_CONVERT_FROM_HOST, 273, text, 5) == FICON_RC_CONVERT);
+}
+
 int main(void) {
   make_switch();
   check_frame();
   check_numbers();
   check_interfaces();
   check_fast_path();
+  check_messages();
+  check_code_pages();
   return failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

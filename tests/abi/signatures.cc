@@ -15,6 +15,59 @@ SIGNATURE(__libchnsw_mem_type_t_find, const char*(int32_t));
 SIGNATURE(__libchnsw_mem_type_t_str2enum, int32_t(const char*));
 SIGNATURE(ficon_get_platform_info, int32_t(ficon_platform_info*));
 
+// code pages
+static_assert(
+    std::is_same_v<ficon_convert_fn, int (*)(const char*, int32_t, uint32_t, char**, uint32_t*, uint32_t*, uint32_t)>);
+SIGNATURE(ficon_get_convert_fn_ptr, ficon_convert_fn());
+SIGNATURE(convert_codepage, uint32_t(uint32_t, uint32_t, char*, int32_t));
+SIGNATURE(ficon_get_codepage_name, const char*(uint32_t));
+
+// messages: header
+SIGNATURE(ficon_init_cmi_hdr, void(ficon_cmi_hdr*, uint32_t, const char*, const char*, uint32_t));
+
+// messages: port map and VSANs
+SIGNATURE(ficon_send_get_portmap_nonblock,
+          int32_t(msgq*, const char*, const char*, uint32_t, uint8_t, uint32_t, uint16_t, uint16_t, uintptr_t));
+SIGNATURE(ficon_parse_get_portmap, uint32_t(msgq_message*, uint32_t*, uint16_t*, uint16_t*));
+SIGNATURE(ficon_send_get_enabled_vsans, int32_t(msgq*, uintptr_t));
+SIGNATURE(ficon_parse_get_enabled_vsans, uint32_t(msgq_message*, void**));
+SIGNATURE(ficon_send_query_ifvsan_state, int32_t(msgq*, const ficon_ifvsan_query*, uintptr_t));
+SIGNATURE(ficon_parse_query_ifvsan, uint32_t(msgq_message*, ficon_ifvsan_query*));
+
+// messages: VSAN install
+SIGNATURE(ficon_send_vsan_install,
+          uint32_t(msgq*, uint32_t, const uint32_t*, uint8_t, int32_t, int32_t, const vsan_block*));
+SIGNATURE(ficon_parse_vsan_install,
+          uint32_t(msgq_message*, uint32_t*, uint32_t**, uint32_t*, int32_t*, int32_t*, vsan_block*));
+
+// messages: RNID
+SIGNATURE(ficon_send_get_rnid_nonblock, int32_t(msgq*, uint32_t, uint16_t, uint32_t, uint32_t, uint32_t, uintptr_t));
+SIGNATURE(ficon_parse_get_rnid,
+          uint32_t(msgq_message*, uint32_t*, uint16_t*, uint32_t*, uint32_t*, uint32_t*, uint32_t*, void*));
+SIGNATURE(ficon_parse_rnid_notification,
+          uint32_t(msgq_message*, uint32_t*, uint16_t*, uint32_t*, uint32_t*, uint32_t*, void*));
+SIGNATURE(ficon_format_rnid, uint32_t(uint32_t, void*));
+
+// messages: interface swap
+using swap_parse = uint32_t(msgq_message*, uint32_t*, uint32_t*, uint32_t*);
+using swap_parse_with_vsan = uint32_t(msgq_message*, uint32_t*, uint32_t*, uint32_t*, vsan_block*);
+using swap_respond = uint32_t(msgq*, msgq_message*, uint32_t, uint32_t, uint32_t, uint32_t);
+SIGNATURE(ficon_if_swap_chk_lock_parse, swap_parse);
+SIGNATURE(ficon_if_swap_chk_lock_parse_with_vsan, swap_parse_with_vsan);
+SIGNATURE(ficon_if_swap_chk_lock_send_resp, swap_respond);
+SIGNATURE(ficon_if_swap_chk_lock_send_resp_with_reasoncode, uint32_t(msgq*, msgq_message*, const ficon_if_swap_resp*));
+SIGNATURE(ficon_if_swap_do_swap_parse, swap_parse);
+SIGNATURE(ficon_if_swap_do_swap_parse_with_vsan, swap_parse_with_vsan);
+SIGNATURE(ficon_if_swap_do_swap_send_resp, swap_respond);
+SIGNATURE(ficon_if_swap_unlock_parse, swap_parse);
+SIGNATURE(ficon_if_swap_unlock_parse_with_vsan, swap_parse_with_vsan);
+SIGNATURE(ficon_if_swap_unlock_send_resp, swap_respond);
+
+// messages: notices
+SIGNATURE(ficon_parse_vsan_state_change_payload, uint32_t(msgq_message*, ficon_vsan_state_change*));
+SIGNATURE(ficon_parse_updown_payload, uint32_t(msgq_message*, ficon_updown_notice*));
+SIGNATURE(ficon_parse_enable_payload, uint32_t(msgq_message*, ficon_enable_notice*));
+
 // tables
 SIGNATURE(ficon_get_pmap_portvsan, int32_t(uint32_t));
 SIGNATURE(ficon_get_pmap_portpn, int32_t());
@@ -109,6 +162,7 @@ SIGNATURE(ficon_port_to_vsan_array, uint8_t[32]);
 SIGNATURE(MAX_FICON_PORTS, int32_t);
 SIGNATURE(fastpath_got_vsan_port, int32_t);
 SIGNATURE(libchnsw_pinfo, ficon_platform_info*);
+SIGNATURE(convert_fnptr, ficon_convert_fn);
 SIGNATURE(SECONDS_BTWN_EPOCHS, uint64_t);
 
 } // namespace

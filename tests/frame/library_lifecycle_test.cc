@@ -1,5 +1,5 @@
 /* Loading and unloading: what libchnsw.so asks of the process, in order, when the loader maps and unmaps it. This program
- * is not linked with the library; it loads the shipped file, and sees what is freed because its own free() comes first. */
+ * is not linked with the library; it loads the shipped file. */
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,54 +10,7 @@
 
 #include "libchnsw.h"
 #include "programmable_platform.h"
-
-namespace {
-
-// Buffers whose release is logged, by name. A plain array: free() runs before constructors and after destructors.
-struct watched_buffer {
-  const void* address;
-  const char* name;
-};
-watched_buffer watched[5];
-
-void log_release(const void* address) {
-  for (auto& buffer : watched) {
-    if (buffer.address == nullptr || buffer.address != address) continue;
-    buffer.address = nullptr;
-    chnsw_test::the_platform().record(chnsw_test::programmable_platform::kind::work,
-                                      "free(" + std::string(buffer.name) + ")");
-  }
-}
-
-} // namespace
-
-#ifdef __SANITIZE_ADDRESS__
-
-// The sanitizer has taken free() already, and tells.
-extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void*, size_t),
-                                                         void (*freed)(const volatile void*));
-
-[[gnu::constructor]] static void watch_releases() {
-  __sanitizer_install_malloc_and_free_hooks([](const volatile void*, size_t) {},
-                                            [](const volatile void* address) {
-                                              if (address != nullptr) log_release(const_cast<const void*>(address));
-                                            });
-}
-
-#else
-
-extern "C" {
-
-void __libc_free(void* address);
-
-void free(void* address) noexcept {
-  if (address != nullptr) log_release(address);
-  __libc_free(address);
-}
-
-} // extern "C"
-
-#endif
+#include "release_watch.h"
 
 namespace {
 
@@ -73,7 +26,7 @@ constexpr char kLoadCall[] =
 class LibraryLifecycle : public ::testing::Test {
  protected:
   LibraryLifecycle() {
-    for (auto& buffer : watched) buffer = {nullptr, nullptr};
+    chnsw_test::forget_releases();
     platform.reset();
   }
   ~LibraryLifecycle() override {
@@ -101,18 +54,18 @@ class LibraryLifecycle : public ::testing::Test {
 
   // Fills one exported pointer with a buffer that a release of shows in the log.
   template <class Value>
-  void fill(size_t place, const char* name) {
+  void fill(const char* name) {
     auto* buffer = static_cast<Value*>(malloc(sizeof(Value)));
     *symbol<Value*>(name) = buffer;
-    watched[place] = {buffer, name};
+    chnsw_test::watch_release(buffer, name);
   }
 
   void fill_all() {
-    fill<uint16_t>(0, "ficon_pmap_port_to_vsan");
-    fill<ficon_pmap_port_entry>(1, "ficon_pmap_port_to_pn");
-    fill<uint16_t>(2, "ficon_pmap_pa_to_pn");
-    fill<uint32_t>(3, "ficon_pmap_pn_to_logif");
-    fill<ficon_platform_info>(4, "libchnsw_pinfo");
+    fill<uint16_t>("ficon_pmap_port_to_vsan");
+    fill<ficon_pmap_port_entry>("ficon_pmap_port_to_pn");
+    fill<uint16_t>("ficon_pmap_pa_to_pn");
+    fill<uint32_t>("ficon_pmap_pn_to_logif");
+    fill<ficon_platform_info>("libchnsw_pinfo");
   }
 
   chnsw_test::programmable_platform& platform = chnsw_test::the_platform();
@@ -144,6 +97,7 @@ TEST_F(LibraryLifecycle, LoadedLibraryHasEmptyCachesAndZeroedVariables) {
   EXPECT_THAT(*symbol<uint16_t*>("ficon_pmap_pa_to_pn"), IsNull());
   EXPECT_THAT(*symbol<uint32_t*>("ficon_pmap_pn_to_logif"), IsNull());
   EXPECT_THAT(*symbol<ficon_platform_info*>("libchnsw_pinfo"), IsNull());
+  EXPECT_THAT(*symbol<ficon_convert_fn>("convert_fnptr"), IsNull());
   EXPECT_EQ(*symbol<int32_t>("MAX_FICON_PORTS"), 0);
   EXPECT_EQ(*symbol<int32_t>("fastpath_got_vsan_port"), 0);
   EXPECT_THAT(*symbol<uint8_t[32]>("ficon_port_to_vsan_array"), ::testing::Each(0));
@@ -196,7 +150,7 @@ TEST_F(LibraryLifecycle, UnloadingSetsEveryPointerToNull) {
 
 TEST_F(LibraryLifecycle, UnloadingLeavesOutWhatWasNeverFetched) {
   load();
-  fill<uint32_t>(0, "ficon_pmap_pn_to_logif");
+  fill<uint32_t>("ficon_pmap_pn_to_logif");
   platform.forget_calls();
 
   unload();
@@ -212,7 +166,7 @@ TEST_F(LibraryLifecycle, UnloadingFreesWhatTheOperationsAllocated) {
   ficon_platform_info info;
   symbol<int32_t(ficon_platform_info*)>("ficon_get_platform_info")(&info);
   ASSERT_EQ(platform.allocations().size(), 5u);
-  for (size_t i = 0; i < 5; ++i) watched[i] = {platform.allocations()[i].address, "allocation"};
+  for (const auto& granted : platform.allocations()) chnsw_test::watch_release(granted.address, "allocation");
   platform.forget_calls();
 
   unload();

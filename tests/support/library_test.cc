@@ -131,6 +131,7 @@ void make_library_fresh() {
   memset(ficon_port_to_vsan_array, 0, sizeof(ficon_port_to_vsan_array));
   MAX_FICON_PORTS = 0;
   fastpath_got_vsan_port = 0;
+  convert_fnptr = nullptr;
 }
 
 LibraryTest::LibraryTest() {

@@ -1,5 +1,6 @@
 #include "programmable_platform.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -30,6 +31,54 @@ namespace {
 
 constexpr auto kWork = programmable_platform::kind::work;
 constexpr auto kReporting = programmable_platform::kind::reporting;
+
+const char* name_of(const msgq_message* message) {
+  return message == nullptr ? "NULL" : message->name.c_str();
+}
+
+// ---- TLV arrays of this platform ----
+//
+//   offset  0       1      3        5      7       7 + length
+//           | count | used | length | type | value | length ...
+//
+// used counts all bytes, the first three included. Values stand at any address.
+constexpr uint32_t kArrayHeaderBytes = 3;
+constexpr uint32_t kTlvHeaderBytes = 4;
+
+template <class Value>
+Value load(const void* bytes, size_t offset) {
+  Value value;
+  memcpy(&value, static_cast<const uint8_t*>(bytes) + offset, sizeof value);
+  return value;
+}
+
+template <class Value>
+void store(void* bytes, size_t offset, Value value) {
+  memcpy(static_cast<uint8_t*>(bytes) + offset, &value, sizeof value);
+}
+
+uint32_t used_bytes(const void* array) {
+  return std::max<uint32_t>(load<uint16_t>(array, 1), kArrayHeaderBytes);
+}
+
+int append_tlv(void* array, uint32_t capacity, const added_tlv& added) {
+  const uint32_t used = used_bytes(array);
+  const auto length = static_cast<uint16_t>(added.value.size());
+  if (capacity < used || capacity - used < kTlvHeaderBytes + length) return ENOSPC;
+  store(array, used, length);
+  store(array, used + 2, added.type);
+  if (length != 0) memcpy(static_cast<uint8_t*>(array) + used + kTlvHeaderBytes, added.value.data(), length);
+  store(array, 0, static_cast<uint8_t>(load<uint8_t>(array, 0) + 1));
+  store(array, 1, static_cast<uint16_t>(used + kTlvHeaderBytes + length));
+  return 0;
+}
+
+// The offset of the nth value's header, counted from 0.
+uint32_t tlv_offset(const void* array, uint32_t nth) {
+  uint32_t offset = kArrayHeaderBytes;
+  for (uint32_t n = 0; n < nth; ++n) offset += kTlvHeaderBytes + load<uint16_t>(array, offset);
+  return offset;
+}
 
 } // namespace
 
@@ -104,6 +153,9 @@ void programmable_platform::forget_calls() {
   debug_output_.clear();
   lag_queries_.clear();
   allocations_.clear();
+  sent_.clear();
+  added_tlvs_.clear();
+  conversions_.clear();
 }
 
 void programmable_platform::record(kind what, std::string line) {
@@ -158,6 +210,82 @@ void* programmable_platform::allocate(uint32_t library_id, uint32_t type, uint32
   return address;
 }
 
+int programmable_platform::send(sent_message message) {
+  sent_.push_back(std::move(message));
+  const sent_message& sent = sent_.back();
+  record(kWork, line("msgq_send(%#zx, %x:%u, %u, %s, %u, %#zx, %s, %u)", reinterpret_cast<uintptr_t>(sent.handle),
+                     sent.to.node, sent.to.service_point, sent.opcode, sent.payload_address == nullptr ? "NULL" : "payload",
+                     sent.length, sent.send_arg, name_of(sent.answered), sent.zero));
+  return answer(send_answer);
+}
+
+void* programmable_platform::payload(msgq_message* message) {
+  record(kWork, line("msgq_payload_get(%s)", name_of(message)));
+  void* payload = message == nullptr ? nullptr : message->payload();
+  last_payload_ = payload;
+  return payload;
+}
+
+int programmable_platform::add_tlv(added_tlv added, void* array) {
+  added_tlvs_.push_back(std::move(added));
+  const added_tlv& asked = added_tlvs_.back();
+  record(kWork,
+         line("tlv_aligned_array_add_tlv(%u, %u, %zu, %d)", asked.capacity, asked.type, asked.value.size(), asked.flag));
+  return tlv_add_status != 0 ? tlv_add_status : append_tlv(array, asked.capacity, asked);
+}
+
+uint32_t programmable_platform::tlv_size_of(const void* array, int flag) {
+  const bool added_to = !added_tlvs_.empty() && added_tlvs_.back().array == array;
+  record(kWork, line("tlv_aligned_array_size_get(%s, %d)", added_to ? "array" : "other", flag));
+  return tlv_size.value_or(used_bytes(array));
+}
+
+int programmable_platform::tlv_count_of(const void* array, int flag) {
+  record(kWork, line("tlv_aligned_array_get_num_tlvs(%s, %d)", array == last_payload_ ? "payload" : "other", flag));
+  return tlv_count.value_or(load<uint8_t>(array, 0));
+}
+
+// The cursor counts the values that were passed. Behind the last one nothing is stored, and a cursor that was not cleared
+// is behind the last one.
+int programmable_platform::next_tlv(const void* array, uint16_t* type, uint16_t* length, void** value, int flag,
+                                    uint32_t* cursor) {
+  record(kWork, line("tlv_aligned_array_get_next_tlv(%s, %d, cursor %u)", array == last_payload_ ? "payload" : "other",
+                     flag, *cursor));
+  const auto programmed = tlv_answers.find(++next_tlv_calls_);
+  const tlv_answer answer = programmed == tlv_answers.end() ? tlv_answer{0, true} : programmed->second;
+  if (*cursor >= load<uint8_t>(array, 0)) return ENOENT;
+  const uint32_t offset = tlv_offset(array, (*cursor)++);
+  if (!answer.stores) return answer.status;
+  *length = load<uint16_t>(array, offset);
+  *type = load<uint16_t>(array, offset + 2);
+  *value = const_cast<uint8_t*>(static_cast<const uint8_t*>(array)) + offset + kTlvHeaderBytes;
+  return answer.status;
+}
+
+int programmable_platform::convert(conversion asked, char** output, uint32_t* counter, uint32_t* output_space) {
+  record(kWork, line("convert(%d, mode %u, counter %u, space %u, codepage %u)", asked.input_length, asked.mode,
+                     asked.counter, asked.output_space, asked.codepage));
+  std::string made = asked.text;
+  for (char& c : made) c = static_cast<char>(c + 1);
+  if (on_convert) made = on_convert(asked.text);
+  made.resize(std::min<size_t>(made.size(), *output_space));
+  conversions_.push_back(std::move(asked));
+  memcpy(*output, made.data(), made.size());
+  *output += made.size();
+  *counter += static_cast<uint32_t>(made.size());
+  *output_space -= static_cast<uint32_t>(made.size());
+  return failing_conversions.count(++conversion_calls_) != 0 ? 0 : convert_result;
+}
+
+std::vector<uint8_t> tlv_array(const std::vector<tlv>& values) {
+  std::vector<uint8_t> array(UINT16_MAX);
+  for (const tlv& value : values) {
+    if (append_tlv(array.data(), UINT16_MAX, {nullptr, false, 0, value.type, value.value, 1}) != 0) throw std::bad_alloc();
+  }
+  array.resize(used_bytes(array.data()));
+  return array;
+}
+
 std::vector<std::string> programmable_platform::lines(std::optional<kind> what) const {
   std::vector<std::string> found;
   for (const auto& call : log_) {
@@ -175,6 +303,18 @@ std::vector<std::string> programmable_platform::texts(uint32_t subtype) const {
 }
 
 } // namespace chnsw_test
+
+msgq_message::msgq_message(const std::vector<uint8_t>& payload, size_t misalignment)
+    : storage_(misalignment + payload.size() + MSGQ_SLACK),
+      misalignment_(misalignment),
+      size_(static_cast<uint32_t>(payload.size())),
+      has_payload_(true) {
+  std::copy(payload.begin(), payload.end(), storage_.begin() + static_cast<ptrdiff_t>(misalignment));
+}
+
+msgq_message msgq_message::without_payload() {
+  return {};
+}
 
 using chnsw_test::interface_answers;
 using chnsw_test::kReporting;
@@ -299,12 +439,12 @@ int if_index_phy_fc_port_init(uint32_t* if_index, uint8_t slot, uint8_t port, in
 
 uint32_t hton_if_index(uint32_t if_index) {
   the_platform().record(kWork, line("hton_if_index(%#x)", if_index));
-  return __builtin_bswap32(if_index);
+  return if_index + chnsw_test::kHton;
 }
 
 uint32_t ntoh_if_index(uint32_t if_index) {
   the_platform().record(kWork, line("ntoh_if_index(%#x)", if_index));
-  return __builtin_bswap32(if_index);
+  return if_index + chnsw_test::kNtoh;
 }
 
 int portidx_port_by_if_index(uint32_t if_index, uint16_t* port_index) {
@@ -322,6 +462,56 @@ int lagmap_get_port(struct lagmap_port_query* query) {
   const interface_answers& answers = platform.interface(query->if_index);
   if (answers.lag_status == 0) query->channel = answers.channel;
   return answers.lag_status;
+}
+
+int msgq_send(msgq* handle, const struct msgq_addr* to, uint32_t opcode, const void* payload, uint32_t length,
+              uintptr_t send_arg, msgq_message* answered, uint32_t zero) {
+  const auto* bytes = static_cast<const uint8_t*>(payload);
+  std::vector<uint8_t> copy;
+  if (bytes != nullptr) copy.assign(bytes, bytes + length);
+  return the_platform().send({handle, *to, opcode, payload, std::move(copy), length, send_arg, answered, zero});
+}
+
+void* msgq_payload_get(msgq_message* message) {
+  return the_platform().payload(message);
+}
+
+uint32_t msgq_payload_size(msgq_message* message) {
+  the_platform().record(kWork, line("msgq_payload_size(%s)", chnsw_test::name_of(message)));
+  return message->size();
+}
+
+int msgq_errno_get(msgq* handle) {
+  auto& platform = the_platform();
+  platform.record(kWork, line("msgq_errno_get(%#zx)", reinterpret_cast<uintptr_t>(handle)));
+  return platform.msgq_error;
+}
+
+int tlv_aligned_array_add_tlv(void* array, uint32_t capacity, uint16_t type, uint16_t length, const void* value, int flag) {
+  const auto* bytes = static_cast<const uint8_t*>(array);
+  const auto* value_bytes = static_cast<const uint8_t*>(value);
+  const bool zero = std::all_of(bytes, bytes + capacity, [](uint8_t byte) { return byte == 0; });
+  return the_platform().add_tlv({array, zero, capacity, type, {value_bytes, value_bytes + length}, flag}, array);
+}
+
+uint32_t tlv_aligned_array_size_get(const void* array, int flag) {
+  return the_platform().tlv_size_of(array, flag);
+}
+
+int tlv_aligned_array_get_num_tlvs(const void* array, int flag) {
+  return the_platform().tlv_count_of(array, flag);
+}
+
+int tlv_aligned_array_get_next_tlv(const void* array, uint16_t* type, uint16_t* length, void** value, int flag,
+                                   uint32_t* cursor) {
+  return the_platform().next_tlv(array, type, length, value, flag, cursor);
+}
+
+int platform_convert(const char* input, int32_t input_length, uint32_t mode, char** output, uint32_t* counter,
+                     uint32_t* output_space, uint32_t codepage) {
+  const std::string text(input, input_length > 0 ? static_cast<size_t>(input_length) : 0);
+  return the_platform().convert({input, input_length, text, mode, *output, *counter, *output_space, codepage}, output,
+                                counter, output_space);
 }
 
 } // extern "C"

@@ -3,14 +3,17 @@
 #ifndef TESTS_SUPPORT_PROGRAMMABLE_PLATFORM_H
 #define TESTS_SUPPORT_PROGRAMMABLE_PLATFORM_H
 
+#include <platform/char_convert.h>
 #include <platform/elemdb.h>
 #include <platform/evtrc.h>
 #include <platform/hwinv.h>
 #include <platform/if_index.h>
 #include <platform/lagmap.h>
 #include <platform/memacct.h>
+#include <platform/msgq.h>
 #include <platform/platform_info.h>
 #include <platform/portidx.h>
+#include <platform/tlv_aligned_array.h>
 
 #include <cstdint>
 #include <functional>
@@ -20,6 +23,25 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+// A received message, made from the bytes of its payload.
+struct msgq_message {
+  // misalignment: how far the payload stands from the address of a word. At least a KiB of zeros follows it.
+  explicit msgq_message(const std::vector<uint8_t>& payload, size_t misalignment = 1);
+  static msgq_message without_payload();
+
+  void* payload() { return has_payload_ ? storage_.data() + misalignment_ : nullptr; }
+  uint32_t size() const { return size_; }
+
+  std::string name = "message"; // in the log
+
+ private:
+  msgq_message() = default;
+  std::vector<uint8_t> storage_;
+  size_t misalignment_ = 0;
+  uint32_t size_ = 0;
+  bool has_payload_ = false;
+};
 
 namespace chnsw_test {
 
@@ -66,6 +88,54 @@ struct allocation {
   uint32_t size;
 };
 
+// One call of msgq_send, whole.
+struct sent_message {
+  msgq* handle;
+  msgq_addr to;
+  uint32_t opcode;
+  const void* payload_address;
+  std::vector<uint8_t> payload;
+  uint32_t length;
+  uintptr_t send_arg;
+  msgq_message* answered;
+  uint32_t zero;
+};
+
+// One call of tlv_aligned_array_add_tlv.
+struct added_tlv {
+  const void* array;
+  bool array_was_zero;
+  uint32_t capacity;
+  uint16_t type;
+  std::vector<uint8_t> value;
+  int flag;
+};
+
+// How one call of tlv_aligned_array_get_next_tlv differs from what the array says.
+struct tlv_answer {
+  int status;
+  bool stores;
+};
+
+// One call of the converter, as it arrived.
+struct conversion {
+  const char* input;
+  int32_t input_length;
+  std::string text; // the input's bytes
+  uint32_t mode;
+  const char* output;
+  uint32_t counter;
+  uint32_t output_space;
+  uint32_t codepage;
+};
+
+// One value of a TLV array, and an array of several as this platform lays it out.
+struct tlv {
+  uint16_t type;
+  std::vector<uint8_t> value;
+};
+std::vector<uint8_t> tlv_array(const std::vector<tlv>& values);
+
 // The byte that fresh allocations are filled with, so that missing clearing shows.
 inline constexpr uint8_t kGarbage = 0xA5;
 
@@ -103,6 +173,19 @@ class programmable_platform {
   void grant_allocations(); // ends both
   int memacct_init_status = 0;
 
+  service_answer send_answer; // of msgq_send
+  int msgq_error = 0;         // what msgq_errno_get answers
+
+  int tlv_add_status = 0;                // of tlv_aligned_array_add_tlv; a failure leaves the array alone
+  std::optional<uint32_t> tlv_size;      // what tlv_aligned_array_size_get answers, whatever is in use
+  std::optional<int> tlv_count;          // what tlv_aligned_array_get_num_tlvs answers, whatever is there
+  std::map<int, tlv_answer> tlv_answers; // by the number of the call of tlv_aligned_array_get_next_tlv, from 1
+
+  int convert_result = 1;            // of the converter
+  std::set<int> failing_conversions; // by the number of the call, from 1: the converter writes and answers 0
+  // What the converter makes of a text, which may be longer or shorter. Unless told otherwise, every byte becomes the next.
+  std::function<std::string(const std::string& text)> on_convert;
+
   std::set<uint32_t> filtered_subtypes; // evtrc_hist_event_subtype_check answers non-zero
   std::set<int> debug_flags;            // evtrc_chk_int answers non-zero
 
@@ -128,6 +211,9 @@ class programmable_platform {
   std::vector<std::string> traces() const { return texts(103); }                     // history texts of traces
   const std::vector<lagmap_port_query>& lag_queries() const { return lag_queries_; } // as they arrived
   const std::vector<allocation>& allocations() const { return allocations_; }
+  const std::vector<sent_message>& sent() const { return sent_; }
+  const std::vector<added_tlv>& added_tlvs() const { return added_tlvs_; }
+  const std::vector<conversion>& conversions() const { return conversions_; }
 
   // Forgets what was called; the answers stay, and calls are counted on.
   void forget_calls();
@@ -142,6 +228,13 @@ class programmable_platform {
   void add_history(history_event event) { history_.push_back(std::move(event)); }
   void add_debug_text(debug_text text) { debug_output_.push_back(std::move(text)); }
   void add_lag_query(const lagmap_port_query& query) { lag_queries_.push_back(query); }
+  int send(sent_message message);
+  void* payload(msgq_message* message);
+  int add_tlv(added_tlv added, void* array);
+  uint32_t tlv_size_of(const void* array, int flag);
+  int tlv_count_of(const void* array, int flag);
+  int next_tlv(const void* array, uint16_t* type, uint16_t* length, void** value, int flag, uint32_t* cursor);
+  int convert(conversion asked, char** output, uint32_t* counter, uint32_t* output_space);
 
  private:
   struct logged_call {
@@ -165,6 +258,9 @@ class programmable_platform {
   std::set<uint32_t> refused_types_;
   int lookups_ = 0;
   int allocation_calls_ = 0;
+  int next_tlv_calls_ = 0;
+  int conversion_calls_ = 0;
+  const void* last_payload_ = nullptr; // what msgq_payload_get answered last
   bool in_hook_ = false;
 
   std::vector<logged_call> log_;
@@ -172,6 +268,9 @@ class programmable_platform {
   std::vector<debug_text> debug_output_;
   std::vector<lagmap_port_query> lag_queries_;
   std::vector<allocation> allocations_;
+  std::vector<sent_message> sent_;
+  std::vector<added_tlv> added_tlvs_;
+  std::vector<conversion> conversions_;
 };
 
 // The one platform of this process. It lives from its first use on: the library's load hook calls before any constructor
@@ -189,6 +288,15 @@ constexpr uint32_t fcip_interface(uint32_t number) {
   return 0x0A000000u | number;
 }
 
+// What this platform's hton_if_index and ntoh_if_index add. They do not undo each other, so that a message tells which of
+// them an index went through.
+inline constexpr uint32_t kHton = 0x10000000;
+inline constexpr uint32_t kNtoh = 0x40000000;
+
 } // namespace chnsw_test
+
+// The converter of this platform, for convert_fnptr or for an object that is loaded at run time.
+extern "C" int platform_convert(const char* input, int32_t input_length, uint32_t mode, char** output, uint32_t* counter,
+                                uint32_t* output_space, uint32_t codepage);
 
 #endif

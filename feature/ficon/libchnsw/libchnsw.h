@@ -1,5 +1,5 @@
 /* libchnsw: one answer to the question which port number (PN), port address (PA), slot and interface of a FICON switch
- * belong together.
+ * belong together; and the messages between the switch's FICON manager and its clients.
  *
  * What all operations share:
  *
@@ -39,6 +39,8 @@
 #ifndef LIBCHNSW_H
 #define LIBCHNSW_H
 
+#include <platform/char_convert.h>
+#include <platform/msgq.h>
 #include <platform/platform_info.h>
 #include <stdint.h>
 
@@ -53,11 +55,13 @@ extern "C" {
 /* Status codes. */
 enum {
   FICON_RC_BASE = 0x40850000,           /* platform information unavailable */
-  FICON_RC_INVALID_ARG = 0x40850003,    /* a required address is NULL, or an argument is out of range */
+  FICON_RC_INVALID_ARG = 0x40850003,    /* a required address is NULL, an argument is out of range, a message lacks it */
+  FICON_RC_NO_PAYLOAD = 0x40850008,     /* a received message has no payload */
   FICON_RC_PLATFORM = 0x4085000A,       /* the platform failed, or nothing was found */
   FICON_RC_PA_RANGE = 0x40850018,       /* port address not below MAX_FICON_PORTS */
   FICON_RC_PN_RANGE = 0x40850019,       /* port number not below the bound */
   FICON_RC_LAG_MEMBER = 0x4085001A,     /* the port is in a port-channel */
+  FICON_RC_CONVERT = 0x40850020,        /* text conversion is not available, or failed */
   FICON_RC_NOT_ASSOCIATED = 0x4085003E, /* the logical interface has no port number */
   FICON_RC_NO_IF = 0x4085004A,          /* no interface answers for the port number */
   FICON_RC_MULTI_IF = 0x40850052        /* more than one answers */
@@ -99,6 +103,43 @@ enum {
   FICON_TOD_FMT_DAY_FIRST = 0, /* "Mon Jan 5 09:07:03.123 2015" */
   FICON_TOD_FMT_YEAR_FIRST = 1 /* "2015 Mon Jan 5 09:07:03.123" */
 };
+
+/* Messages: where requests and replies go. */
+enum { FICON_MGR_SERVICE_POINT = 101 }; /* the FICON manager's */
+#define FICON_MGR_NODE 0xFE000001u      /* with FICON_MGR_SERVICE_POINT */
+#define FICON_REPLY_NODE 0xFE000000u    /* with service point 0 */
+
+/* Messages: opcodes. */
+enum {
+  FICON_OP_REPLY = 0,
+  FICON_OP_GET_PORTMAP = 7858,
+  FICON_OP_GET_ENABLED_VSANS = 7859,
+  FICON_OP_GET_RNID = 7869,
+  FICON_OP_VSAN_INSTALL = 7882,
+  FICON_OP_QUERY_IFVSAN_STATE = 7888
+};
+
+/* Messages: types of values in TLV arrays. */
+enum {
+  FICON_TLV_ENABLE = 1,
+  FICON_TLV_PORTMAP = 9,
+  FICON_TLV_UPDOWN = 10,
+  FICON_TLV_RNID = 15,
+  FICON_TLV_ENABLED_VSANS = 16,
+  FICON_TLV_VSAN_STATE_CHANGE = 24
+};
+
+/* Messages: special values of fields. */
+enum {
+  FICON_CMI_KIND_PORTMAP = 18,      /* kind of a port map request */
+  FICON_RNID_SIZE = 512,            /* rnid_size of every RNID request */
+  FICON_RNID_FORMAT_CONVERTED = 2,  /* rnid_format that asks for converted text */
+  FICON_RNID_DESCRIPTOR_BYTES = 32, /* node descriptor */
+  FICON_VSAN_BITMAP_BYTES = 512     /* one bit for each VSAN, 0 to 4095 */
+};
+
+/* Code pages of a host: EBCDIC by their registered numbers (CCSID), and plain ASCII. */
+enum { FICON_CODEPAGE_ASCII = 1 };
 
 /* Event history: identifier, and subtypes which are also the debug flags. */
 enum { FICON_EVT_HIST_ID = 0x730000, FICON_EVT_ERROR = 102, FICON_EVT_DEBUG = 103 };
@@ -153,6 +194,144 @@ struct ficon_vsan_tstmp_rec {
   uint8_t not_read_32[8];
 };
 
+/* Records of messages. All integers are in the byte order of the machine; only interface indexes have an order of their own,
+ * wire order: that of hton_if_index, and of ntoh_if_index in the query of an interface's VSAN state and in VSAN install, in
+ * both directions. Packed records have no padding and may stand at any address. */
+
+/* Header that a request record may start with, 112 bytes.
+ *
+ *   offset  0      4      8          12      52      112
+ *           | code | kind | reserved | text1 | text2 |
+ */
+struct ficon_cmi_hdr {
+  uint32_t code;
+  uint32_t kind;
+  uint32_t reserved;
+  char text1[40]; /* without a NUL when all 40 are used */
+  char text2[60]; /* without a NUL when all 60 are used */
+} __attribute__((packed));
+
+/* Port map request and answer: the value of a TLV of type FICON_TLV_PORTMAP, 130 bytes.
+ *
+ *   offset  0        112        116      120        122        124        125    130
+ *           | header | if_index | result | number_a | number_b | selector | zero |
+ */
+struct ficon_portmap_req {
+  struct ficon_cmi_hdr header; /* of requests */
+  uint32_t if_index;           /* in wire order */
+  uint32_t result;             /* of answers */
+  uint16_t number_a;
+  uint16_t number_b;
+  uint8_t selector; /* of requests */
+  uint8_t zero[5];
+} __attribute__((packed));
+
+/* Interface VSAN state query and answer: a whole payload, and the caller's own record, 20 bytes.
+ *
+ *   offset  0        4       8       12         16      20
+ *           | result | state | arg_a | if_index | arg_b |
+ */
+struct ficon_ifvsan_query {
+  uint32_t result; /* of answers */
+  uint32_t state;  /* of answers */
+  uint32_t arg_a;
+  uint32_t if_index; /* in wire order in a payload */
+  uint32_t arg_b;
+};
+
+/* RNID (Request Node Identification Data, FC-LS) request, answer and notification: the value of a TLV of type
+ * FICON_TLV_RNID, 60 bytes.
+ *
+ *   offset  0          4           6           8            12         16            20       24            28           60
+ *           | if_index | rnid_port | rnid_size | rnid_word8 | codepage | rnid_format | result | rnid_word24 | descriptor |
+ */
+struct ficon_rnid_rec {
+  uint32_t if_index; /* in wire order */
+  uint16_t rnid_port;
+  uint16_t rnid_size;
+  uint32_t rnid_word8;
+  uint32_t codepage; /* of the descriptor's text, in answers */
+  uint32_t rnid_format;
+  uint32_t result; /* of answers */
+  uint32_t rnid_word24;
+  uint8_t descriptor[FICON_RNID_DESCRIPTOR_BYTES];
+};
+
+/* Node descriptor (FC-SB), 32 bytes. Its texts are in the host's code page, padded as the host does it.
+ *
+ *   offset  0       4      10      13             16      18         30    32
+ *           | flags | type | model | manufacturer | plant | sequence | tag |
+ */
+struct ficon_node_descriptor {
+  uint8_t flags[4];
+  char type[6];
+  char model[3];
+  char manufacturer[3];
+  char plant[2];
+  char sequence[12];
+  uint8_t tag[2];
+};
+
+/* A set of VSANs, 516 bytes: VSAN v is bit 0x80 >> (v mod 8) of byte v / 8. */
+struct vsan_block {
+  uint32_t bytes; /* FICON_VSAN_BITMAP_BYTES */
+  uint8_t bitmap[FICON_VSAN_BITMAP_BYTES];
+};
+
+/* Request of a swap step: a whole payload, 12 bytes, or 528 with the set of VSANs.
+ *
+ *   offset  0            4            8            12      528
+ *           | swap_word0 | if_index_a | if_index_b | vsans |
+ */
+struct ficon_if_swap_req {
+  uint32_t swap_word0;
+  uint32_t if_index_a; /* in wire order */
+  uint32_t if_index_b; /* in wire order */
+  struct vsan_block vsans;
+};
+
+/* Response to a swap step: a whole payload, 536 bytes.
+ *
+ *   offset  0             4            8            12           16     536
+ *           | swap_status | swap_word4 | if_index_a | if_index_b | zero |
+ */
+struct ficon_if_swap_resp {
+  uint32_t swap_status;
+  uint32_t swap_word4;
+  uint32_t if_index_a; /* in wire order */
+  uint32_t if_index_b; /* in wire order */
+  uint8_t zero[520];
+};
+
+/* VSAN install: a whole payload, 521 bytes, then count interface indexes in wire order.
+ *
+ *   offset  0               1       517     521
+ *           | install_byte0 | vsans | count | indexes ...
+ */
+struct ficon_vsan_install_msg {
+  uint8_t install_byte0;
+  struct vsan_block vsans;
+  uint32_t count;
+} __attribute__((packed));
+
+/* Notices. Their first word is handed on as it stands. */
+
+struct ficon_vsan_state_change { /* FICON_TLV_VSAN_STATE_CHANGE, 8 bytes */
+  uint32_t word0;
+  uint32_t word1;
+};
+
+struct ficon_updown_notice { /* FICON_TLV_UPDOWN, 6 bytes used */
+  uint32_t word0;
+  uint8_t byte4;
+  uint8_t byte5;
+};
+
+struct ficon_enable_notice { /* FICON_TLV_ENABLE, 5 bytes used */
+  uint32_t word0;
+  uint8_t byte4;
+};
+
 /* ---- Cached tables and what selects their size: zero or NULL when the library is loaded ---- */
 
 extern uint16_t* ficon_pmap_port_to_vsan;                   /* [1280] index -> VSAN that the port is in now */
@@ -164,6 +343,7 @@ extern int32_t MAX_FICON_PORTS;                             /* highest port numb
 extern int32_t fastpath_got_vsan_port;                      /* 1: the fast path has the port-to-VSAN table */
 extern struct ficon_platform_info* libchnsw_pinfo;          /* the platform record; NULL until first asked for */
 extern uint64_t SECONDS_BTWN_EPOCHS;                        /* 2208988800, from 1900 to 1970; for clients */
+extern ficon_convert_fn convert_fnptr;                      /* the converter; NULL until found */
 
 /* ---- Memory types and platform information ---- */
 
@@ -178,6 +358,24 @@ int32_t __libchnsw_mem_type_t_str2enum(const char* name);
  * Returns 0; the platform's status when it cannot tell; FICON_RC_NO_MEMORY when the copy cannot be cached, although *info
  * was filled. */
 int32_t ficon_get_platform_info(struct ficon_platform_info* info);
+
+/* ---- Code pages ---- */
+
+/* The entry "convert" of "libchar_convert.so", loaded on first use and kept as long as the library is.
+ * Returns it, or NULL with a line on standard output: the object or its entry cannot be found. The next call tries again. */
+ficon_convert_fn ficon_get_convert_fn_ptr(void);
+
+/* Converts a text in place, byte by byte.
+ * mode: CHAR_CONVERT_FROM_HOST or CHAR_CONVERT_TO_HOST. codepage: of the host.
+ * buffer: in and out; untouched unless the result is 0. length: up to 100 bytes. A negative one is not rejected: the
+ *   converter gets it, and nothing is copied back.
+ * What the converter leaves unwritten comes back as NULs.
+ * Returns 0; FICON_RC_INVALID_ARG, longer than 100; FICON_RC_CONVERT, no converter (told on standard output) or it failed.
+ * The converter is looked for in any case. */
+uint32_t convert_codepage(uint32_t mode, uint32_t codepage, char* buffer, int32_t length);
+
+/* The name of a code page, for people. Returns a constant text, "unrecognized" for any number without a name. */
+const char* ficon_get_codepage_name(uint32_t codepage);
 
 /* ---- Port map: tables ----
  *
@@ -484,6 +682,141 @@ uint64_t ficon_cmi_compute_host_tstmp_given_time(const struct ficon_host_time* r
 uint32_t ficon_cmi_get_vsan_tstmp(uint32_t vsan, const char** text_out, int32_t format);
 uint32_t ficon_cmi_get_vsan_tstmp_given_time(uint32_t vsan, const char** text_out, int32_t format,
                                              const struct ficon_host_time* now);
+
+/* ---- Manager messages ----
+ *
+ * Senders build one message, hand it to the transport and return at once; the answer comes as a received message, which its
+ * parser reads.
+ *
+ * handle: an open end of the transport, tested for NULL only where FICON_RC_INVALID_ARG says so.
+ * send_arg: handed to the transport, which brings it back with the answer.
+ * message: received, and still the caller's afterwards.
+ * if_index: as clients have it; senders and parsers turn it to and from wire order.
+ *
+ * Results of senders: what msgq_send returned; the transport's error (msgq_errno_get) when that was -1.
+ * Results of parsers: the result that the manager put into the answer, which is 0 when all is well.
+ *   FICON_RC_INVALID_ARG: message is NULL, or it holds nothing of this kind. FICON_RC_NO_PAYLOAD: it holds nothing at all.
+ *   With these two no output is written, but by ficon_parse_vsan_install. Lengths of values are not compared with those of
+ *   records. */
+
+/* Fills a header, which the caller has cleared: reserved is not written.
+ * header: out; NULL does nothing. code, kind: what the message is about, to the manager.
+ * text1, text2: cut to 40 and 60 bytes, then without a NUL; shorter ones are filled up with NULs; NULL leaves the field
+ *   alone. */
+void ficon_init_cmi_hdr(struct ficon_cmi_hdr* header, uint32_t code, const char* text1, const char* text2, uint32_t kind);
+
+/* ---- Manager messages: port map and VSANs ---- */
+
+/* Asks for the port map entry of an interface.
+ * text1, text2, code: for the header. selector, number_a, number_b: the manager's; handed on as they are.
+ * Also FICON_RC_INVALID_ARG, no handle; a status of the TLV array. */
+int32_t ficon_send_get_portmap_nonblock(msgq* handle, const char* text1, const char* text2, uint32_t code, uint8_t selector,
+                                        uint32_t if_index, uint16_t number_a, uint16_t number_b, uintptr_t send_arg);
+
+/* if_index, number_a, number_b: out, NULL for those that are not wanted; written whatever the manager's result is. */
+uint32_t ficon_parse_get_portmap(msgq_message* message, uint32_t* if_index, uint16_t* number_a, uint16_t* number_b);
+
+/* Asks for the list of enabled VSANs. The handle is not tested. */
+int32_t ficon_send_get_enabled_vsans(msgq* handle, uintptr_t send_arg);
+
+/* list: out, the bytes as the manager sent them, in a buffer that the caller frees; NULL when it is not wanted. How many
+ *   there are is not told: the list itself has to.
+ * Returns 0; FICON_RC_NO_MEMORY with *list untouched; as above. */
+uint32_t ficon_parse_get_enabled_vsans(msgq_message* message, void** list);
+
+/* Asks for the state of an interface in a VSAN. The handle is not tested.
+ * query: in; arg_a, arg_b and if_index are sent. NULL: FICON_RC_INVALID_ARG. */
+int32_t ficon_send_query_ifvsan_state(msgq* handle, const struct ficon_ifvsan_query* query, uintptr_t send_arg);
+
+/* query: out; NULL is FICON_RC_INVALID_ARG, and so is a payload below 20 bytes. */
+uint32_t ficon_parse_query_ifvsan(msgq_message* message, struct ficon_ifvsan_query* query);
+
+/* ---- Manager messages: VSAN install ---- */
+
+/* Tells the manager to install FICON on a set of VSANs, for a list of interfaces.
+ * if_indexes: in, count elements; NULL is FICON_RC_INVALID_ARG, also when count is 0.
+ * single_vsan: non-zero, vsan alone makes the set; 0, vsans does.
+ * handle: not tested.
+ * vsan: 0 to 4095, not tested: any other writes outside the bitmap, or sets another VSAN's bit.
+ * vsans: in; bytes is not read. Tested for NULL when single_vsan is set, although it is read only when it is not.
+ * Returns 0; FICON_RC_INVALID_ARG; FICON_RC_NO_MEMORY, also for a message whose length 32 bits cannot hold; errno, and not
+ *   the transport's error, when it could not be sent. */
+uint32_t ficon_send_vsan_install(msgq* handle, uint32_t count, const uint32_t* if_indexes, uint8_t install_byte0,
+                                 int32_t single_vsan, int32_t vsan, const struct vsan_block* vsans);
+
+/* Reads it. The message must have come from ficon_send_vsan_install; neither it nor its length is tested.
+ * count, install_byte0: out, required, written before anything is tested.
+ * if_indexes: out, *count elements in a buffer that the caller frees; NULL in it with FICON_RC_NO_MEMORY. An address of NULL
+ *   is FICON_RC_INVALID_ARG.
+ * single_vsan: out, required; 1 when the set holds exactly one VSAN, which is then in *vsan; else both are 0.
+ * vsans: out, required. These three are not written unless the result is 0.
+ * Returns 0; FICON_RC_INVALID_ARG; FICON_RC_NO_MEMORY. */
+uint32_t ficon_parse_vsan_install(msgq_message* message, uint32_t* count, uint32_t** if_indexes, uint32_t* install_byte0,
+                                  int32_t* single_vsan, int32_t* vsan, struct vsan_block* vsans);
+
+/* ---- Manager messages: RNID ---- */
+
+/* Asks for the node descriptor of the device behind an interface.
+ * rnid_format: FICON_RNID_FORMAT_CONVERTED to have its texts converted by the parser.
+ * Also FICON_RC_INVALID_ARG, no handle; a status of the TLV array. */
+int32_t ficon_send_get_rnid_nonblock(msgq* handle, uint32_t if_index, uint16_t rnid_port, uint32_t rnid_word8,
+                                     uint32_t rnid_format, uint32_t rnid_word24, uintptr_t send_arg);
+
+/* All outputs may be NULL, and are written whatever the manager's result is.
+ * descriptor: out, 32 bytes. Its texts are converted when the answer's rnid_format is FICON_RNID_FORMAT_CONVERTED; one that
+ *   cannot be stays as it came, which no result tells. */
+uint32_t ficon_parse_get_rnid(msgq_message* message, uint32_t* if_index, uint16_t* rnid_port, uint32_t* rnid_word8,
+                              uint32_t* codepage, uint32_t* rnid_format, uint32_t* rnid_word24, void* descriptor);
+
+/* The same record, sent by the manager unasked. */
+uint32_t ficon_parse_rnid_notification(msgq_message* message, uint32_t* if_index, uint16_t* rnid_port, uint32_t* rnid_word8,
+                                       uint32_t* rnid_format, uint32_t* rnid_word24, void* descriptor);
+
+/* Converts the five texts of a node descriptor in place from the host's code page.
+ * descriptor: in and out, required; 32 bytes at any address.
+ * Returns the status of convert_codepage for the sequence number; what happened to the other four is not told. */
+uint32_t ficon_format_rnid(uint32_t codepage, void* descriptor);
+
+/* ---- Manager messages: interface swap ----
+ *
+ * The manager swaps the identities of two interfaces in three steps; it asks, the client parses and responds.
+ *
+ * Parsers: outputs may be NULL. The message must be a request of the manager; neither it nor its length is tested. All
+ * return 0.
+ * Responses go back on request, whose address is handed to the transport; whether they arrive is not told. All return 0. */
+
+uint32_t ficon_if_swap_chk_lock_parse(msgq_message* message, uint32_t* swap_word0, uint32_t* if_index_a,
+                                      uint32_t* if_index_b);
+uint32_t ficon_if_swap_chk_lock_parse_with_vsan(msgq_message* message, uint32_t* swap_word0, uint32_t* if_index_a,
+                                                uint32_t* if_index_b, struct vsan_block* vsans);
+uint32_t ficon_if_swap_chk_lock_send_resp(msgq* handle, msgq_message* request, uint32_t swap_word4, uint32_t if_index_a,
+                                          uint32_t if_index_b, uint32_t swap_status);
+
+/* response: in, required, sent as it is. */
+uint32_t ficon_if_swap_chk_lock_send_resp_with_reasoncode(msgq* handle, msgq_message* request,
+                                                          const struct ficon_if_swap_resp* response);
+
+uint32_t ficon_if_swap_do_swap_parse(msgq_message* message, uint32_t* swap_word0, uint32_t* if_index_a,
+                                     uint32_t* if_index_b);
+uint32_t ficon_if_swap_do_swap_parse_with_vsan(msgq_message* message, uint32_t* swap_word0, uint32_t* if_index_a,
+                                               uint32_t* if_index_b, struct vsan_block* vsans);
+uint32_t ficon_if_swap_do_swap_send_resp(msgq* handle, msgq_message* request, uint32_t swap_word4, uint32_t if_index_a,
+                                         uint32_t if_index_b, uint32_t swap_status);
+
+uint32_t ficon_if_swap_unlock_parse(msgq_message* message, uint32_t* swap_word0, uint32_t* if_index_a,
+                                    uint32_t* if_index_b);
+uint32_t ficon_if_swap_unlock_parse_with_vsan(msgq_message* message, uint32_t* swap_word0, uint32_t* if_index_a,
+                                              uint32_t* if_index_b, struct vsan_block* vsans);
+uint32_t ficon_if_swap_unlock_send_resp(msgq* handle, msgq_message* request, uint32_t swap_word4, uint32_t if_index_a,
+                                        uint32_t if_index_b, uint32_t swap_status);
+
+/* ---- Manager messages: notices ----
+ *
+ * notice: out, NULL when it is not wanted; bytes beyond those used are not written. Parsers return 0 when it is there. */
+
+uint32_t ficon_parse_vsan_state_change_payload(msgq_message* message, struct ficon_vsan_state_change* notice);
+uint32_t ficon_parse_updown_payload(msgq_message* message, struct ficon_updown_notice* notice);
+uint32_t ficon_parse_enable_payload(msgq_message* message, struct ficon_enable_notice* notice);
 
 #ifdef __GNUC__
 #pragma GCC visibility pop
