@@ -1,4 +1,4 @@
-# What is installed: headers, the two libraries with pkg-config files and a CMake package, the tool with its man page and
+# What is installed: headers, the libraries with pkg-config files and a CMake package, the tool with its man page and
 # completion, the examples.
 include(CMakePackageConfigHelpers)
 
@@ -9,7 +9,7 @@ install(FILES feature/ficon/libchnsw/libchnsw.h DESTINATION ${headers})
 install(DIRECTORY platform/include/platform DESTINATION ${headers})
 target_include_directories(platform INTERFACE $<INSTALL_INTERFACE:${headers}>)
 
-install(TARGETS platform chnsw_headers libchnsw libvswitch EXPORT libchnsw)
+install(TARGETS platform chnsw_headers libchnsw libvswitch libchar_convert EXPORT libchnsw)
 install(TARGETS chnsw)
 install(EXPORT libchnsw NAMESPACE libchnsw:: FILE libchnsw-targets.cmake DESTINATION ${package})
 configure_package_config_file(cmake/libchnsw-config.cmake.in ${PROJECT_BINARY_DIR}/libchnsw-config.cmake

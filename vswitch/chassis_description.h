@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "mainframe_time.h"
+#include "node_descriptor.h"
 
 namespace vswitch {
 
@@ -60,6 +61,7 @@ struct chassis_description {
   std::vector<logical_interface> interfaces; // by ascending interface index
   std::map<uint16_t, std::string> vsans;     // number -> name; may be empty
   std::map<uint16_t, time_reference> times;  // VSAN -> reference of its time stamps
+  std::map<uint32_t, node_descriptor> nodes; // interface index -> the device behind it
   port_map map;
   uint32_t change_counter = 1;
 

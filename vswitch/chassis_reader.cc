@@ -28,6 +28,8 @@ constexpr number_range kTableNumbers{0, 0xFFFF};         // what an entry of a t
 constexpr number_range kAddressNumbers{0, kNumbers - 1}; // what a table has entries for
 constexpr number_range kCounters{1, UINT32_MAX};
 constexpr number_range kHostWords{INT32_MIN, INT32_MAX}; // what a record holds of a host time
+constexpr number_range kFlags{0, UINT32_MAX};
+constexpr number_range kTags{0, 0xFFFF};
 
 constexpr std::string_view kNow = "now";
 constexpr std::string_view kHostTimeExpected = "a time in UTC such as \"2015-01-05T09:07:03.9Z\", or \"now\"";
@@ -93,6 +95,8 @@ class chassis_reader {
   std::string index_name(unsigned index) const;
   void read_binding(table_reader& binding);
   std::optional<uint32_t> read_bound_interface(table_reader& binding);
+  std::optional<uint32_t> read_interface_name(table_reader& table, std::string_view expected);
+  bool interface_is_there(const toml::node& where, uint32_t if_index);
   void read_address(table_reader& address);
   void read_time_reference(table_reader& reference);
   std::optional<ficon_host_time> read_host_time(table_reader& reference);
@@ -100,6 +104,10 @@ class chassis_reader {
   std::optional<ficon_host_time> read_host_words(table_reader& reference);
   std::optional<uint64_t> read_tod(table_reader& reference, const ficon_host_time& host);
   instant now();
+  void read_node(table_reader& node);
+  std::optional<uint32_t> read_node_interface(table_reader& node);
+  uint32_t read_codepage(table_reader& node);
+  void read_node_text(table_reader& table, const node_text& field, node_descriptor& node);
   void derive_addresses();
   std::optional<port_run> ports_of(const toml::node& value, std::string_view what);
   bool ports_are_there(const toml::node& where, const port_run& ports);
@@ -117,6 +125,7 @@ class chassis_reader {
   std::array<std::optional<place>, kNumbers> bound_;
   std::array<std::optional<place>, kNumbers> addressed_;
   std::map<uint16_t, place> timed_;
+  std::map<uint32_t, place> nodes_;
   std::optional<instant> now_;
 };
 
@@ -126,8 +135,8 @@ std::string in_line(const place& where) {
 
 chassis_description chassis_reader::read(const toml::table& file) {
   table_reader tables(file, "the file", problems_);
-  tables.allow_only(
-      {"chassis", "line_card", "vsan", "port_channel", "interface", "port", "binding", "address", "time_reference"});
+  tables.allow_only({"chassis", "line_card", "vsan", "port_channel", "interface", "port", "binding", "address",
+                     "time_reference", "node"});
   read_chassis(tables.find("chassis"));
   read_entries(tables, "line_card", &chassis_reader::read_line_card);
   read_entries(tables, "vsan", &chassis_reader::read_vsan);
@@ -137,6 +146,7 @@ chassis_description chassis_reader::read(const toml::table& file) {
   read_entries(tables, "binding", &chassis_reader::read_binding);
   read_entries(tables, "address", &chassis_reader::read_address);
   read_entries(tables, "time_reference", &chassis_reader::read_time_reference);
+  read_entries(tables, "node", &chassis_reader::read_node);
   if (!tables.has("address")) derive_addresses();
   auto by_slot = [](const line_card& a, const line_card& b) { return a.slot < b.slot; };
   auto by_index = [](const logical_interface& a, const logical_interface& b) { return a.if_index < b.if_index; };
@@ -487,24 +497,30 @@ void chassis_reader::read_binding(table_reader& table) {
 
 // Names stand for interfaces that are described; an index in hexadecimal is taken as it is, since the table can hold any.
 std::optional<uint32_t> chassis_reader::read_bound_interface(table_reader& binding) {
-  constexpr std::string_view expected = "an interface such as \"port-channel5\", \"fcip3\" or \"fc1/5\"";
-  if (!binding.has("interface")) binding.missing("interface", expected);
-  auto name = binding.text("interface");
-  if (!name) return std::nullopt;
+  auto if_index = read_interface_name(binding, "an interface such as \"port-channel5\", \"fcip3\" or \"fc1/5\"");
+  if (!if_index) return std::nullopt;
   const toml::node& where = *binding.find("interface");
-  auto if_index = parse_interface_name(*name);
-  if (!if_index) {
-    problems_.add(where, "interface is " + quoted(*name) + "; expected is " + std::string(expected));
-    return std::nullopt;
-  }
-  if (name->starts_with("0x")) return if_index;
-  if (auto port = fc_port_of(*if_index)) {
-    ports_are_there(where, {port->slot, port->port, port->port});
-  } else if (logical_.count(*if_index) == 0) {
-    const bool channel = interface_type(*if_index) == IF_TYPE_PORT_CHANNEL;
-    problems_.add(where, "there is no " + *name + "; describe it with " + (channel ? "[[port_channel]]" : "[[interface]]"));
-  }
+  if (!where.value_exact<std::string>()->starts_with("0x")) interface_is_there(where, *if_index);
   return if_index;
+}
+
+std::optional<uint32_t> chassis_reader::read_interface_name(table_reader& table, std::string_view expected) {
+  if (!table.has("interface")) table.missing("interface", expected);
+  auto name = table.text("interface");
+  if (!name) return std::nullopt;
+  auto if_index = parse_interface_name(*name);
+  if (!if_index)
+    problems_.add(*table.find("interface"), "interface is " + quoted(*name) + "; expected is " + std::string(expected));
+  return if_index;
+}
+
+bool chassis_reader::interface_is_there(const toml::node& where, uint32_t if_index) {
+  if (auto port = fc_port_of(if_index)) return ports_are_there(where, {port->slot, port->port, port->port});
+  if (logical_.count(if_index) != 0) return true;
+  const bool channel = interface_type(if_index) == IF_TYPE_PORT_CHANNEL;
+  problems_.add(where, "there is no " + interface_name(if_index) + "; describe it with " +
+                           (channel ? "[[port_channel]]" : "[[interface]]"));
+  return false;
 }
 
 void chassis_reader::read_address(table_reader& table) {
@@ -613,6 +629,50 @@ std::optional<uint64_t> chassis_reader::read_tod(table_reader& table, const fico
 instant chassis_reader::now() {
   if (!now_) now_ = current_instant();
   return *now_;
+}
+
+void chassis_reader::read_node(table_reader& table) {
+  table.allow_only({"interface", "codepage", "flags", "type", "model", "manufacturer", "plant", "sequence", "tag"});
+  auto if_index = read_node_interface(table);
+  node_descriptor node;
+  node.codepage = read_codepage(table);
+  node.flags = static_cast<uint32_t>(table.number("flags", kFlags).value_or(0));
+  for (const node_text& field : kNodeTexts) read_node_text(table, field, node);
+  node.tag = static_cast<uint16_t>(table.number("tag", kTags).value_or(0));
+  if (!if_index) return;
+  const toml::node& where = *table.find("interface");
+  auto [first, added] = nodes_.emplace(*if_index, place_of(where));
+  if (!added)
+    problems_.add(where, interface_name(*if_index) + " has two nodes; the first one stands " + in_line(first->second) +
+                             ", and an interface has one device behind it");
+  chassis_.nodes.emplace(*if_index, std::move(node));
+}
+
+std::optional<uint32_t> chassis_reader::read_node_interface(table_reader& table) {
+  auto if_index = read_interface_name(table, "an interface such as \"fc1/5\", \"port-channel5\" or \"fcip3\"");
+  if (!if_index || !interface_is_there(*table.find("interface"), *if_index)) return std::nullopt;
+  return if_index;
+}
+
+uint32_t chassis_reader::read_codepage(table_reader& table) {
+  const toml::node* value = table.find("codepage");
+  if (value == nullptr) return kUsualCodepage;
+  auto number = value->value_exact<int64_t>();
+  if (number && is_codepage(*number)) return static_cast<uint32_t>(*number);
+  std::string known;
+  for (uint32_t codepage : kCodepages) known += (known.empty() ? "" : ", ") + std::to_string(codepage);
+  problems_.add(*value, "codepage is " + shown(*value) + "; expected is one of " + known);
+  return kUsualCodepage;
+}
+
+void chassis_reader::read_node_text(table_reader& table, const node_text& field, node_descriptor& node) {
+  auto text = table.text(field.name);
+  if (!text) return;
+  if (auto whole = padded(field, *text))
+    node.*field.text = *whole;
+  else
+    problems_.add(*table.find(field.name), std::string(field.name) + " is " + quoted(*text) + "; expected are 1 to " +
+                                               std::to_string(field.length) + " upper-case letters or digits");
 }
 
 void chassis_reader::derive_addresses() {

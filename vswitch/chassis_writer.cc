@@ -69,11 +69,15 @@ std::string chassis_table(const chassis_description& chassis) {
   return text;
 }
 
+std::string hexadecimal_number(uint32_t number, int digits) {
+  char text[11];
+  std::snprintf(text, sizeof text, "0x%0*X", digits, number);
+  return text;
+}
+
 // Port addresses are written as the mainframe's people write them.
 std::string address(unsigned pa) {
-  char text[11];
-  std::snprintf(text, sizeof text, "0x%02X", pa);
-  return text;
+  return hexadecimal_number(pa, 2);
 }
 
 std::string line_card_tables(const chassis_description& chassis) {
@@ -200,9 +204,7 @@ std::string bound_name(const chassis_description& chassis, uint32_t if_index) {
   if (port ? has_port(chassis, port->slot, port->port)
            : std::any_of(chassis.interfaces.begin(), chassis.interfaces.end(), is_it))
     return interface_name(if_index);
-  char text[11];
-  std::snprintf(text, sizeof text, "0x%08X", if_index);
-  return text;
+  return hexadecimal_number(if_index, 8);
 }
 
 std::string binding_tables(const chassis_description& chassis) {
@@ -247,11 +249,26 @@ std::string time_tables(const chassis_description& chassis) {
   return text;
 }
 
+std::string node_tables(const chassis_description& chassis) {
+  const node_descriptor usual;
+  std::string text;
+  for (const auto& [if_index, node] : chassis.nodes) {
+    text += "\n[[node]]\n" + assignment("interface", quoted(interface_name(if_index)));
+    if (node.codepage != usual.codepage) text += assignment("codepage", node.codepage);
+    if (node.flags != usual.flags) text += assignment("flags", hexadecimal_number(node.flags, 8));
+    for (const node_text& field : kNodeTexts)
+      if (node.*field.text != usual.*field.text) text += assignment(field.name, quoted(without_blanks(node.*field.text)));
+    if (node.tag != usual.tag) text += assignment("tag", hexadecimal_number(node.tag, 4));
+  }
+  return text;
+}
+
 } // namespace
 
 std::string write_chassis_file(const chassis_description& chassis) {
   return chassis_table(chassis) + line_card_tables(chassis) + vsan_tables(chassis) + interface_tables(chassis) +
-         port_tables(chassis) + binding_tables(chassis) + address_tables(chassis.map) + time_tables(chassis);
+         port_tables(chassis) + binding_tables(chassis) + address_tables(chassis.map) + time_tables(chassis) +
+         node_tables(chassis);
 }
 
 } // namespace vswitch

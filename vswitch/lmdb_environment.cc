@@ -155,6 +155,13 @@ bool lmdb_environment::inherited() const noexcept {
   return forks_ != held().forks;
 }
 
+bool lmdb_environment::has_open(const std::string& file) const noexcept {
+  mdb_filehandle_t own = -1;
+  struct stat status {};
+  if (mdb_env_get_fd(handle_, &own) || fstat(own, &status) != 0) return false;
+  return identity_of(file) == file_identity{status.st_dev, status.st_ino};
+}
+
 size_t lmdb_environment::last_transaction() const noexcept {
   MDB_envinfo info;
   mdb_env_info(handle_, &info);

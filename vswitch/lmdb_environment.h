@@ -34,6 +34,9 @@ class lmdb_environment {
   // Whether a fork lies between the opening and now: LMDB forbids this process to use or to close the environment.
   bool inherited() const noexcept;
 
+  // Whether this file is the one that it has open.
+  bool has_open(const std::string& file) const noexcept;
+
   // Moves with every transaction of any process.
   size_t last_transaction() const noexcept;
 

@@ -32,6 +32,13 @@ inline constexpr int kHistoryFiltered = 0x404A0001;
 inline constexpr int kHistoryBadRequest = 0x404A0002;
 inline constexpr int kHistoryNotWritten = 0x404A0003; // errno tells why
 
+// TLV arrays.
+inline constexpr int kTlvBadRequest = 0x404B0001;
+inline constexpr int kTlvNotAnArray = 0x404B0002;
+inline constexpr int kTlvFull = 0x404B0003;
+inline constexpr int kTlvNoFurther = 0x404B0004; // behind the last value
+inline constexpr int kTlvDamaged = 0x404B0005;   // the next value would reach beyond the array
+
 } // namespace vswitch
 
 #endif

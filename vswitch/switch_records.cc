@@ -126,6 +126,32 @@ time_reference reference_from(const MDB_val& value) {
   return {{record.ref_host_sec, record.ref_host_usec}, record.ref_tod};
 }
 
+// One value for all of them: who has the databases of a folder open goes on with those when it is replaced by a newer one.
+struct node_record {
+  uint32_t if_index;
+  uint32_t codepage;
+  ficon_node_descriptor descriptor;
+};
+static_assert(sizeof(node_record) == 40);
+
+void write_nodes(MDB_txn* transaction, const databases& where, const chassis_description& chassis) {
+  std::vector<node_record> records;
+  for (const auto& [if_index, node] : chassis.nodes) records.push_back({if_index, node.codepage, ascii_descriptor(node)});
+  put(transaction, where.chassis, as_value("nodes"), as_value(records.data(), records.size() * sizeof(node_record)));
+}
+
+void read_nodes(MDB_txn* transaction, const databases& where, chassis_description& chassis) {
+  MDB_val key = as_value("nodes");
+  MDB_val found;
+  const int error = mdb_get(transaction, where.chassis, &key, &found);
+  if (error == MDB_NOTFOUND) return;
+  check(error, "reading a record");
+  if (found.mv_size % sizeof(node_record) != 0) damaged("nodes");
+  std::vector<node_record> records(found.mv_size / sizeof(node_record));
+  if (!records.empty()) std::memcpy(records.data(), found.mv_data, found.mv_size);
+  for (const auto& record : records) chassis.nodes.emplace(record.if_index, node_of(record.codepage, record.descriptor));
+}
+
 void write_chassis(MDB_txn* transaction, const databases& where, const chassis_description& chassis) {
   const std::vector<uint32_t> supervisors(chassis.supervisors.begin(), chassis.supervisors.end());
   put(transaction, where.chassis, as_value("format"), as_value(&kFormat, sizeof kFormat));
@@ -135,6 +161,7 @@ void write_chassis(MDB_txn* transaction, const databases& where, const chassis_d
   put(transaction, where.chassis, as_value("type"), as_value(&chassis.type, sizeof chassis.type));
   put(transaction, where.chassis, as_value("supervisors"),
       as_value(supervisors.data(), supervisors.size() * sizeof(uint32_t)));
+  write_nodes(transaction, where, chassis);
 }
 
 void read_chassis(MDB_txn* transaction, const databases& where, chassis_description& chassis) {
@@ -143,6 +170,7 @@ void read_chassis(MDB_txn* transaction, const databases& where, chassis_descript
       chassis.platform_record.size(), "platform-record");
   get(transaction, where.chassis, as_value("type"), &chassis.type, sizeof chassis.type, "type");
   for (uint32_t slot : words_of(get_any(transaction, where.chassis, "supervisors"))) chassis.supervisors.push_back(slot);
+  read_nodes(transaction, where, chassis);
 }
 
 } // namespace

@@ -7,6 +7,8 @@
 //                    "platform-record"      8 bytes
 //                    "type"                 32-bit chassis type
 //                    "supervisors"          32-bit slots, ascending
+//                    "nodes"                of each device the 32-bit if_index, the 32-bit code page and 32 bytes of node
+//                                           descriptor in ASCII; in folders of earlier versions missing, and no device
 //   line-cards       32-bit slot            32-bit number of ports, then the name
 //   interfaces       32-bit if_index        32-bit if_index of each member
 //   vsans            32-bit VSAN            name

@@ -40,14 +40,18 @@ class lmdb_store final : public switch_store {
   lmdb_store(std::shared_ptr<lmdb_environment> environment, std::string folder)
       : environment_(std::move(environment)), folder_(std::move(folder)) {}
 
+  const std::string& folder() const noexcept override { return folder_; }
   bool look_up(uint32_t table, std::span<const std::byte> key, void* value, size_t size) noexcept override;
   chassis_description describe() override;
   uint64_t generation() noexcept override;
+  std::shared_ptr<manager_lock> serve() override;
+  folder_state state_of_folder() override;
   uint32_t change_map(const std::function<void(port_map&)>& change) override;
   std::optional<time_reference> set_time_reference(uint32_t vsan, const std::optional<time_reference>& reference) override;
 
  private:
   void keep_to_this_process();
+  void lock_for_change(std::optional<change_lock>& lock) const;
   bool usable() noexcept;
   bool read_generation_now() noexcept;
   bool copy_remembered(size_t slot, void* value, size_t size) noexcept;
@@ -62,6 +66,7 @@ class lmdb_store final : public switch_store {
 
   std::shared_ptr<lmdb_environment> environment_;
   const std::string folder_;                                                      // empty: in memory
+  std::weak_ptr<manager_lock> served_;                                            // as long as this store is the manager's
   std::array<remembered_element, FICON_PMAP_ELEM_CHANGE_COUNTER + 1> remembered_; // by element of the port map
   size_t seen_transaction_ = 0;
   uint64_t seen_generation_ = 0;
@@ -83,6 +88,7 @@ std::shared_ptr<lmdb_environment> open_existing(const std::string& folder) {
 void lmdb_store::keep_to_this_process() {
   if (!environment_->inherited()) return;
   remembered_ = {};
+  served_.reset(); // the parent is the manager
   if (!folder_.empty()) {
     environment_ = open_existing(folder_);
     return;
@@ -194,8 +200,31 @@ uint64_t lmdb_store::generation() noexcept {
   return seen_generation_;
 }
 
+std::shared_ptr<manager_lock> lmdb_store::serve() {
+  return naming(environment_->place(), [&] {
+    keep_to_this_process();
+    auto lock = folder_.empty() ? nullptr : std::make_shared<manager_lock>(folder_);
+    served_ = lock;
+    return lock;
+  });
+}
+
+folder_state lmdb_store::state_of_folder() {
+  const std::string data_file = folder_ + "/" + kDataFile;
+  if (folder_.empty() || environment_->has_open(data_file)) return folder_state::in_place;
+  std::error_code no_matter;
+  return fs::exists(data_file, no_matter) ? folder_state::made_anew : folder_state::removed;
+}
+
+// Nothing to lock in memory, nor for the manager itself.
+void lmdb_store::lock_for_change(std::optional<change_lock>& lock) const {
+  if (!folder_.empty() && served_.expired()) lock.emplace(folder_);
+}
+
 uint32_t lmdb_store::change_map(const std::function<void(port_map&)>& change) {
   keep_to_this_process();
+  std::optional<change_lock> lock;
+  naming(environment_->place(), [&] { lock_for_change(lock); });
   const databases& where = *environment_->opened;
   lmdb_transaction transaction(*environment_, kind::write);
   port_map map = naming(environment_->place(), [&] { return read_map(transaction.handle(), where); });
@@ -213,6 +242,8 @@ std::optional<time_reference> lmdb_store::set_time_reference(uint32_t vsan,
                                                              const std::optional<time_reference>& reference) {
   return naming(environment_->place(), [&] {
     keep_to_this_process();
+    std::optional<change_lock> lock;
+    lock_for_change(lock);
     const databases& where = *environment_->opened;
     lmdb_transaction transaction(*environment_, kind::write);
     auto before = read_time_reference(transaction.handle(), where, vsan);
@@ -254,12 +285,16 @@ void write_whole(lmdb_environment& environment, const chassis_description& chass
   environment.opened = where;
 }
 
+bool belongs_to_switch(const fs::path& name) {
+  return name == kLockFile || name == kManagerLockFile || name == kMessageFolder;
+}
+
 // A folder can become a switch when it is empty, is one already, or was left by a creation that did not come to its end.
 void require_room_for_switch(const std::string& folder) {
   if (!fs::is_directory(folder)) throw switch_error("is not a folder; name a folder that is empty or does not exist");
   if (fs::exists(fs::path(folder) / kDataFile)) return;
   for (const auto& entry : fs::directory_iterator(folder))
-    if (entry.path().filename() != kLockFile)
+    if (!belongs_to_switch(entry.path().filename()))
       throw switch_error("is not empty and is not a switch (it holds " + entry.path().filename().string() +
                          "); name a folder that is empty or does not exist");
 }
@@ -279,7 +314,9 @@ void switch_store::create(const std::string& folder, const chassis_description& 
   try {
     naming(folder, [&] {
       require_room_for_switch(folder);
-      write_whole(*lmdb_environment::open_folder(folder), chassis);
+      auto environment = lmdb_environment::open_folder(folder);
+      const change_lock lock(folder);
+      write_whole(*environment, chassis);
     });
   } catch (const switch_error&) {
     if (made) rmdir(folder.c_str()); // goes only if nothing was made in it

@@ -47,7 +47,7 @@ TEST(ChassisFilePage, FilesAndMessagesAreWhatTheReaderSays) {
     EXPECT_EQ(messages, has_messages ? blocks[i + 1].text : "") << blocks[i].text;
     ++(has_messages ? wrong : right);
   }
-  EXPECT_EQ(right, 2u);
+  EXPECT_EQ(right, 3u);
   EXPECT_EQ(wrong, 1u);
 }
 
@@ -67,6 +67,14 @@ TEST(ChassisFilePage, NamesEveryTableAndKey) {
                            "host_seconds",
                            "host_microseconds",
                            "tod",
+                           "[[node]]",
+                           "codepage",
+                           "flags",
+                           "model",
+                           "manufacturer",
+                           "plant",
+                           "sequence",
+                           "tag",
                            "name",
                            "slots",
                            "type",

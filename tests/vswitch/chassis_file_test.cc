@@ -184,6 +184,61 @@ TEST(ChassisFile, NowIsTheMomentOfReadingAndTheSameInTheWholeFile) {
   EXPECT_EQ(times.at(30).host.seconds, 1420416000);
 }
 
+TEST(ChassisFile, NodeIsADeviceBehindAnInterface) {
+  const auto nodes = read_with(
+                         "[[node]]\ninterface = \"fc1/5\"\ncodepage = 500\nflags = 0x90A1B2C3\ntype = \"4711\"\n"
+                         "model = \"A01\"\nmanufacturer = \"ACM\"\nplant = \"07\"\nsequence = \"SN042\"\n"
+                         "tag = 0xBEEF\n")
+                         .nodes;
+  node_descriptor expected;
+  expected.codepage = 500;
+  expected.flags = 0x90A1B2C3;
+  expected.type = "004711";
+  expected.model = "A01";
+  expected.manufacturer = "ACM";
+  expected.plant = "07";
+  expected.sequence = "0000000SN042";
+  expected.tag = 0xBEEF;
+  EXPECT_EQ(nodes, (std::map<uint32_t, node_descriptor>{{fc_port_index(1, 5), expected}}));
+}
+
+TEST(ChassisFile, NodeThatSaysNothingIsZerosAndBlanksInTheUsualCodePage) {
+  const auto node = read_with("[[node]]\ninterface = \"fc1/1\"\n").nodes.at(fc_port_index(1, 1));
+  EXPECT_EQ(node.codepage, 37u);
+  EXPECT_EQ(node.flags, 0u);
+  EXPECT_EQ(node.type, "000000");
+  EXPECT_EQ(node.model, "000");
+  EXPECT_EQ(node.manufacturer, "   ");
+  EXPECT_EQ(node.plant, "  ");
+  EXPECT_EQ(node.sequence, "000000000000");
+  EXPECT_EQ(node.tag, 0);
+}
+
+TEST(ChassisFile, NodesBehindEveryKindOfInterface) {
+  const auto nodes = read_with(
+                         "[[node]]\ninterface = \"fc1/48\"\nplant = \"1\"\n[[node]]\ninterface = \"fcip3\"\n"
+                         "[[node]]\ninterface = \"port-channel5\"\n[[node]]\ninterface = \"0x20000007\"\n"
+                         "[[port_channel]]\nnumber = 5\n[[interface]]\nname = \"fcip3\"\n"
+                         "[[interface]]\nname = \"0x20000007\"\n")
+                         .nodes;
+  ASSERT_EQ(nodes.size(), 4u);
+  EXPECT_EQ(nodes.at(fc_port_index(1, 48)).plant, "1 ");
+  EXPECT_EQ(nodes.count(0x04000005), 1u);
+  EXPECT_EQ(nodes.count(0x0A000003), 1u);
+  EXPECT_EQ(nodes.count(0x20000007), 1u);
+}
+
+// A card may have ports that the port map has no room for.
+TEST(ChassisFile, NodeNeedsNoPlaceInThePortMap) {
+  EXPECT_EQ(read_with("[[line_card]]\nslot = 8\nports = 8\n[[node]]\ninterface = \"fc8/8\"\n").nodes.size(), 1u);
+}
+
+TEST(ChassisFile, NumbersOfANodeAtTheirLimits) {
+  const auto node = read_with("[[node]]\ninterface = \"fc1/1\"\nflags = 4294967295\ntag = 65535\n").nodes.begin()->second;
+  EXPECT_EQ(node.flags, 0xFFFFFFFFu);
+  EXPECT_EQ(node.tag, 0xFFFF);
+}
+
 TEST(ChassisFile, InconsistentMapIsNoProblem) {
   EXPECT_THAT(problems_with("[[port]]\nindex = \"0-9\"\npn = 5\n[[port]]\nindex = 10\npn = 5\npa = 5\n"
                             "[[port]]\nindex = 11\npa = 5\nvsans = [10, 10]\nvsan = 77\n[[address]]\npa = 5\npn = 300\n"),
@@ -218,7 +273,7 @@ constexpr wrong_file kWrongFiles[] = {
     {"UnknownTable", "[[line_crad]]\nslot = 1\n", "f:8:3: unknown key \"line_crad\" in the file; did you mean line_card?"},
     {"UnknownTableFarFromAll", "[power]\n",
      "f:8:2: unknown key \"power\" in the file; allowed are chassis, line_card, vsan, port_channel, interface, port, "
-     "binding, address, time_reference"},
+     "binding, address, time_reference, node"},
     {"UnknownKey", "[[vsan]]\nnumber = 1\nnmae = \"x\"\n", "f:10:1: unknown key \"nmae\" in [[vsan]]; did you mean name?"},
     {"UnknownKeyOfPort", "[[port]]\nindex = 3\nvsns = [1]\n",
      "f:10:1: unknown key \"vsns\" in [[port]]; did you mean vsans?"},
@@ -372,6 +427,49 @@ constexpr wrong_file kWrongFiles[] = {
      "f:11:7: tod is \"CE4\"; expected are 4 to 16 hexadecimal digits such as \"CE4F44C4E976\", or \"now\""},
     {"TodThatIsANumber", "[[time_reference]]\nvsan = 1\nhost_time = \"now\"\ntod = 0xCE4F\n",
      "f:11:7: tod is 52815; expected is a text in quotes"},
+    {"NodeWithoutInterface", "[[node]]\ntype = \"4711\"\n",
+     "f:8:1: [[node]] has no interface; expected is an interface such as \"fc1/5\", \"port-channel5\" or \"fcip3\""},
+    {"NodeWithAnUnknownKey", "[[node]]\ninterface = \"fc1/1\"\nserial = \"1\"\n",
+     "f:10:1: unknown key \"serial\" in [[node]]; allowed are interface, codepage, flags, type, model, manufacturer, "
+     "plant, "
+     "sequence, tag"},
+    {"NodeTwice", "[[node]]\ninterface = \"fc1/1\"\n[[node]]\ninterface = \"fc1/1\"\n",
+     "f:11:13: fc1/1 has two nodes; the first one stands in line 9, and an interface has one device behind it"},
+    {"NodeBehindNoInterface", "[[node]]\ninterface = \"tape\"\n",
+     "f:9:13: interface is \"tape\"; expected is an interface such as \"fc1/5\", \"port-channel5\" or \"fcip3\""},
+    {"NodeBehindARunOfPorts", "[[node]]\ninterface = \"fc1/1-4\"\n",
+     "f:9:13: interface is \"fc1/1-4\"; expected is an interface such as \"fc1/5\", \"port-channel5\" or \"fcip3\""},
+    {"NodeBehindANumber", "[[node]]\ninterface = 5\n", "f:9:13: interface is 5; expected is a text in quotes"},
+    {"NodeBehindAPortThatTheCardDoesNotHave", "[[node]]\ninterface = \"fc1/49\"\n",
+     "f:9:13: the line card in slot 1 has no port 49; its ports are 1 to 48"},
+    {"NodeInASupervisorsSlot", "[[node]]\ninterface = \"fc5/1\"\n",
+     "f:9:13: slot 5 holds a supervisor, which has no ports; expected is the slot of a line card"},
+    {"NodeBehindAPortChannelThatIsNotThere", "[[node]]\ninterface = \"port-channel5\"\n",
+     "f:9:13: there is no port-channel5; describe it with [[port_channel]]"},
+    {"NodeBehindAnInterfaceThatIsNotThere", "[[node]]\ninterface = \"0x20000007\"\n",
+     "f:9:13: there is no 0x20000007; describe it with [[interface]]"},
+    {"NodeInAnUnknownCodePage", "[[node]]\ninterface = \"fc1/1\"\ncodepage = 277\n",
+     "f:10:12: codepage is 277; expected is one of 1, 37, 273, 275, 280, 281, 284, 285, 297, 500"},
+    {"NodeInACodePageByName", "[[node]]\ninterface = \"fc1/1\"\ncodepage = \"germany\"\n",
+     "f:10:12: codepage is \"germany\"; expected is one of 1, 37, 273, 275, 280, 281, 284, 285, 297, 500"},
+    {"NodeWithFlagsBeyondThirtyTwoBits", "[[node]]\ninterface = \"fc1/1\"\nflags = 0x100000000\n",
+     "f:10:9: flags is 4294967296; allowed are 0 to 4294967295"},
+    {"NodeWithFlagsAsText", "[[node]]\ninterface = \"fc1/1\"\nflags = \"00\"\n",
+     "f:10:9: flags is \"00\"; expected is a whole number, 0 to 4294967295"},
+    {"NodeWithATagBeyondSixteenBits", "[[node]]\ninterface = \"fc1/1\"\ntag = 65536\n",
+     "f:10:7: tag is 65536; allowed are 0 to 65535"},
+    {"NodeWhoseTypeIsANumber", "[[node]]\ninterface = \"fc1/1\"\ntype = 4711\n",
+     "f:10:8: type is 4711; expected is a text in quotes"},
+    {"NodeWhoseTypeIsTooLong", "[[node]]\ninterface = \"fc1/1\"\ntype = \"1234567\"\n",
+     "f:10:8: type is \"1234567\"; expected are 1 to 6 upper-case letters or digits"},
+    {"NodeWhoseModelIsTooLong", "[[node]]\ninterface = \"fc1/1\"\nmodel = \"1234\"\n",
+     "f:10:9: model is \"1234\"; expected are 1 to 3 upper-case letters or digits"},
+    {"NodeWhoseManufacturerIsInLowerCase", "[[node]]\ninterface = \"fc1/1\"\nmanufacturer = \"Acm\"\n",
+     "f:10:16: manufacturer is \"Acm\"; expected are 1 to 3 upper-case letters or digits"},
+    {"NodeWhosePlantIsEmpty", "[[node]]\ninterface = \"fc1/1\"\nplant = \"\"\n",
+     "f:10:9: plant is \"\"; expected are 1 to 2 upper-case letters or digits"},
+    {"NodeWhoseSequenceHasAnotherCharacter", "[[node]]\ninterface = \"fc1/1\"\nsequence = \"SN-042\"\n",
+     "f:10:12: sequence is \"SN-042\"; expected are 1 to 12 upper-case letters or digits"},
 };
 
 INSTANTIATE_TEST_SUITE_P(All, WrongChassisFile, ::testing::ValuesIn(kWrongFiles),
@@ -458,6 +556,19 @@ TEST(ChassisFileProblems, AllOfAFileAreToldInItsOrder) {
 TEST(ChassisFileProblems, PortsOfACardThatIsWrongAreNoFurtherProblem) {
   EXPECT_THAT(problems_with("[[line_card]]\nslot = 2\nports = 999\n[[port]]\ninterface = \"fc2/1-48\"\npn = 1\n"),
               ElementsAre("f:10:9: ports is 999; allowed are 1 to 254"));
+}
+
+TEST(ChassisFileProblems, NodeBehindACardThatIsWrongIsNoFurtherProblem) {
+  EXPECT_THAT(problems_with("[[line_card]]\nslot = 2\nports = 999\n[[node]]\ninterface = \"fc2/1\"\n"),
+              ElementsAre("f:10:9: ports is 999; allowed are 1 to 254"));
+}
+
+TEST(ChassisFileProblems, EveryMistakeOfANodeIsTold) {
+  EXPECT_THAT(problems_with("[[node]]\ninterface = \"fc1/49\"\ncodepage = 0\ntype = \"a\"\nmodel = \"b\"\n"),
+              ElementsAre("f:9:13: the line card in slot 1 has no port 49; its ports are 1 to 48",
+                          "f:10:12: codepage is 0; expected is one of 1, 37, 273, 275, 280, 281, 284, 285, 297, 500",
+                          "f:11:8: type is \"a\"; expected are 1 to 6 upper-case letters or digits",
+                          "f:12:9: model is \"b\"; expected are 1 to 3 upper-case letters or digits"));
 }
 
 TEST(ChassisFileProblems, PortsOfAChassisThatIsWrongAreNoFurtherProblem) {

@@ -3,6 +3,7 @@
  *
  *   pa ADDRESS [VSAN]     status and port number, as the library has them
  *   time VSAN SECONDS MICROSECONDS   status and text of the VSAN's time stamp at a host time
+ *   text CODEPAGE BYTES   status and the switch's text for a host's bytes
  *   services INDEX        what every service says about an interface index, and about the chassis
  *   type                  chassis type once, and again after every line on standard input
  *   read CHANGES          reads the port-to-number table until it changed so often; fails when its entries are not of one map
@@ -41,6 +42,12 @@ static int tell_time(const char* vsan, const char* seconds, const char* microsec
   const char* text = "no text";
   const uint32_t status = ficon_cmi_get_vsan_tstmp_given_time(number(vsan), &text, FICON_TOD_FMT_DAY_FIRST, &at);
   printf("status 0x%08x %s\n", (unsigned)status, text);
+  return 0;
+}
+
+static int convert_text(const char* codepage, char* bytes) {
+  const uint32_t status = convert_codepage(CHAR_CONVERT_FROM_HOST, number(codepage), bytes, (int32_t)strlen(bytes));
+  printf("status 0x%08x %s\n", (unsigned)status, bytes);
   return 0;
 }
 
@@ -144,6 +151,7 @@ int main(int count, char** words) {
   const char* command = count > 1 ? words[1] : "";
   if (strcmp(command, "pa") == 0 && count > 2) return translate_address(words[2], count > 3 ? words[3] : NULL);
   if (strcmp(command, "time") == 0 && count > 4) return tell_time(words[2], words[3], words[4]);
+  if (strcmp(command, "text") == 0 && count > 3) return convert_text(words[2], words[3]);
   if (strcmp(command, "services") == 0 && count > 2) return ask_everything(words[2]);
   if (strcmp(command, "type") == 0) return tell_type();
   if (strcmp(command, "read") == 0 && count > 2) return read_until_changed(number(words[2]));

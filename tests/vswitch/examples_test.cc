@@ -20,16 +20,17 @@ struct example {
   unsigned slots;
   int type;
   unsigned numbered; // entries of the port map with a port number
+  unsigned nodes;
 };
 void PrintTo(const example& subject, std::ostream* out) {
   *out << subject.name;
 }
 
-constexpr example kExamples[] = {{"one-slot", 1, 27, 40},
-                                 {"six-slot", 6, 34, 144},
-                                 {"director-10", 10, 32, 131},
-                                 {"director-13", 13, 31, 112},
-                                 {"director-18", 18, 38, 214}};
+constexpr example kExamples[] = {{"one-slot", 1, 27, 40, 0},
+                                 {"six-slot", 6, 34, 144, 2},
+                                 {"director-10", 10, 32, 131, 4},
+                                 {"director-13", 13, 31, 112, 0},
+                                 {"director-18", 18, 38, 214, 0}};
 
 // The library keeps what it learned of the first switch of a process, so every example is asked in a process of its own.
 class Example : public ::testing::TestWithParam<example> {
@@ -55,6 +56,7 @@ TEST_P(Example, IsTheSiteThatItsNameSays) {
   EXPECT_EQ(chassis.slots(), GetParam().slots);
   EXPECT_EQ(chassis.type, GetParam().type);
   EXPECT_EQ(numbered(chassis).size(), GetParam().numbered);
+  EXPECT_EQ(chassis.nodes.size(), GetParam().nodes);
 }
 
 TEST_P(Example, EveryNumberLeadsToItsInterfaceAndBack) {

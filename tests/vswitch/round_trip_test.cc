@@ -26,6 +26,7 @@ class random_switch {
     make_ports();
     make_tables();
     for (unsigned i = below(5); i > 0; --i) chassis_.times[static_cast<uint16_t>(1 + below(4095))] = reference();
+    make_nodes();
     return chassis_;
   }
 
@@ -114,6 +115,30 @@ class random_switch {
     const auto microseconds = static_cast<int32_t>(chance(70) ? below(1000000) : random_());
     const uint64_t high = random_();
     return {{static_cast<int32_t>(random_()), microseconds}, high << 32 | random_()};
+  }
+
+  void make_nodes() {
+    for (const auto& interface : chassis_.interfaces)
+      if (chance(30)) chassis_.nodes.emplace(interface.if_index, node());
+    for (const auto& card : chassis_.line_cards)
+      for (unsigned i = below(5); i > 0; --i)
+        chassis_.nodes.emplace(fc_port_index(card.slot, 1 + below(card.ports)), node());
+  }
+
+  node_descriptor node() {
+    node_descriptor made;
+    made.codepage = kCodepages[below(kCodepages.size())];
+    if (chance(50)) made.flags = static_cast<uint32_t>(random_());
+    for (const auto& field : kNodeTexts)
+      if (chance(80)) made.*field.text = *padded(field, letters(1 + below(static_cast<unsigned>(field.length))));
+    if (chance(50)) made.tag = static_cast<uint16_t>(below(0x10000));
+    return made;
+  }
+
+  std::string letters(unsigned length) {
+    std::string made;
+    for (unsigned i = 0; i < length; ++i) made += "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ"[below(36)];
+    return made;
   }
 
   uint32_t bound() {
@@ -255,6 +280,37 @@ tod = "0000000000000001"
 vsan = 30
 host_time = "1970-01-01T00:00:00.000000Z"
 tod = "0000000000000000"
+)"));
+  EXPECT_EQ(parse_chassis_text(text, "written"), chassis);
+}
+
+TEST(RoundTrip, NodesAreWrittenWithoutWhatIsUsualAndWithoutBlanks) {
+  auto chassis = vswitch_test::small_switch();
+  auto& whole = chassis.nodes[fc_port_index(1, 5)];
+  whole.codepage = 273;
+  whole.flags = 0xA1;
+  whole.type = "004711";
+  whole.model = "A01";
+  whole.manufacturer = "AC ";
+  whole.plant = "07";
+  whole.sequence = "0000000SN042";
+  whole.tag = 0xEF;
+  chassis.nodes[logical_index(IF_TYPE_FCIP, 3)] = {};
+  const std::string text = write_chassis_file(chassis);
+  EXPECT_THAT(text, ::testing::EndsWith(R"(
+[[node]]
+interface = "fc1/5"
+codepage = 273
+flags = 0x000000A1
+type = "004711"
+model = "A01"
+manufacturer = "AC"
+plant = "07"
+sequence = "0000000SN042"
+tag = 0x00EF
+
+[[node]]
+interface = "fcip3"
 )"));
   EXPECT_EQ(parse_chassis_text(text, "written"), chassis);
 }

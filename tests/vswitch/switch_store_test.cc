@@ -200,6 +200,14 @@ TEST_P(SwitchStore, ChangeOfTheMapLeavesTheTimeReferences) {
   EXPECT_TRUE(store->describe().times == chassis.times);
 }
 
+TEST_P(SwitchStore, ChangeOfTheMapLeavesTheNodes) {
+  auto chassis = small_switch();
+  chassis.nodes[0x01000000].sequence = "0000000SN042";
+  auto store = make(chassis);
+  store->change_map([](port_map& map) { map = map_of(9); });
+  EXPECT_EQ(store->describe().nodes, chassis.nodes);
+}
+
 // Clients take 0 for a counter that could not be read.
 TEST_P(SwitchStore, CounterWrapsPastZero) {
   auto chassis = small_switch();
@@ -289,6 +297,23 @@ class SwitchFolder : public ::testing::Test {
     return names;
   }
 
+  // Writes a record of the database "chassis" by hand, or takes it away.
+  void put_chassis_record(const std::string& name, std::optional<std::string> content) const {
+    MDB_env* environment = nullptr;
+    MDB_txn* transaction = nullptr;
+    MDB_dbi chassis = 0;
+    mdb_env_create(&environment);
+    mdb_env_set_maxdbs(environment, 6);
+    ASSERT_EQ(mdb_env_open(environment, path().c_str(), 0, 0664), 0);
+    ASSERT_EQ(mdb_txn_begin(environment, nullptr, 0, &transaction), 0);
+    ASSERT_EQ(mdb_dbi_open(transaction, "chassis", 0, &chassis), 0);
+    MDB_val key{name.size(), const_cast<char*>(name.data())};
+    MDB_val value{content ? content->size() : 0, content ? content->data() : nullptr};
+    ASSERT_EQ(content ? mdb_put(transaction, chassis, &key, &value, 0) : mdb_del(transaction, chassis, &key, nullptr), 0);
+    ASSERT_EQ(mdb_txn_commit(transaction), 0);
+    mdb_env_close(environment);
+  }
+
   vswitch_test::temporary_folder folder_;
 };
 
@@ -296,7 +321,7 @@ TEST_F(SwitchFolder, IsMadeInAnEmptyFolderToo) {
   fs::create_directory(path());
   switch_store::create(path(), small_switch());
   EXPECT_EQ(switch_store::open(path())->describe(), small_switch());
-  EXPECT_THAT(names_in(path()), ElementsAre("data.mdb", "lock.mdb"));
+  EXPECT_THAT(names_in(path()), ElementsAre("data.mdb", "lock.mdb", "manager.lock"));
 }
 
 // As a copy leaves it that did not end. Touching a page that is not there would end the process.
@@ -331,11 +356,31 @@ TEST_F(SwitchFolder, ReplacedSwitchIsSeenByWhoHasItOpen) {
   other.interfaces.clear();
   other.vsans.clear();
   other.times = {{20, {{1, 2}, 3}}};
+  other.nodes[0x01000000].tag = 7;
   other.change_counter = 100;
   store->set_time_reference(10, time_reference{{4, 5}, 6});
   switch_store::create(path(), other);
   EXPECT_NE(store->generation(), generation);
   EXPECT_EQ(store->describe(), other);
+}
+
+TEST_F(SwitchFolder, StateTellsWhetherItWasRemovedOrMadeAnew) {
+  switch_store::create(path(), small_switch());
+  auto store = switch_store::open(path());
+  store->change_map([](port_map& map) { map = map_of(3); });
+  switch_store::create(path(), small_switch());
+  EXPECT_EQ(store->state_of_folder(), folder_state::in_place);
+  fs::rename(path(), path("moved"));
+  EXPECT_EQ(store->state_of_folder(), folder_state::removed);
+  switch_store::create(path(), small_switch());
+  EXPECT_EQ(store->state_of_folder(), folder_state::made_anew);
+  EXPECT_EQ(switch_store::open(path())->state_of_folder(), folder_state::in_place);
+  fs::remove(path() + "/data.mdb");
+  EXPECT_EQ(store->state_of_folder(), folder_state::removed);
+}
+
+TEST(SwitchInMemory, IsAlwaysInPlace) {
+  EXPECT_EQ(switch_store::in_memory(small_switch())->state_of_folder(), folder_state::in_place);
 }
 
 TEST_F(SwitchFolder, ReplacementMovesTheCounterWhenTheMapDiffers) {
@@ -424,24 +469,35 @@ TEST_F(SwitchFolder, PlacesThatCannotBeASwitch) {
 
 TEST_F(SwitchFolder, LayoutOfAnotherVersionIsNotRead) {
   switch_store::create(path(), small_switch());
-  MDB_env* environment = nullptr;
-  MDB_txn* transaction = nullptr;
-  MDB_dbi chassis = 0;
-  mdb_env_create(&environment);
-  mdb_env_set_maxdbs(environment, 6);
-  ASSERT_EQ(mdb_env_open(environment, path().c_str(), 0, 0664), 0);
-  ASSERT_EQ(mdb_txn_begin(environment, nullptr, 0, &transaction), 0);
-  ASSERT_EQ(mdb_dbi_open(transaction, "chassis", 0, &chassis), 0);
-  char name[] = "format";
-  uint32_t format = 2;
-  MDB_val key{6, name};
-  MDB_val value{sizeof format, &format};
-  ASSERT_EQ(mdb_put(transaction, chassis, &key, &value, 0), 0);
-  ASSERT_EQ(mdb_txn_commit(transaction), 0);
-  mdb_env_close(environment);
+  const uint32_t format = 2;
+  put_chassis_record("format", std::string(reinterpret_cast<const char*>(&format), sizeof format));
   const std::string expected = path() + ": the switch is stored in format 2; this program reads format 1";
   EXPECT_EQ(refusal_of([&] { switch_store::open(path()); }), expected);
   EXPECT_EQ(refusal_of([&] { switch_store::create(path(), small_switch()); }), expected);
+}
+
+// As folders were before they could hold nodes.
+TEST_F(SwitchFolder, FolderWithoutARecordOfNodesHasNone) {
+  auto with_node = small_switch();
+  with_node.nodes[0x01000000].tag = 7;
+  switch_store::create(path(), with_node);
+  put_chassis_record("nodes", std::nullopt);
+  EXPECT_EQ(switch_store::open(path())->describe(), small_switch());
+}
+
+TEST_F(SwitchFolder, NodesOfTheReplacedSwitchAreGone) {
+  auto with_node = small_switch();
+  with_node.nodes[0x01000000].tag = 7;
+  switch_store::create(path(), with_node);
+  switch_store::create(path(), small_switch());
+  EXPECT_EQ(switch_store::open(path())->describe(), small_switch());
+}
+
+TEST_F(SwitchFolder, RecordOfNodesThatIsCutIsDamaged) {
+  switch_store::create(path(), small_switch());
+  put_chassis_record("nodes", std::string(39, '0'));
+  auto store = switch_store::open(path());
+  EXPECT_EQ(refusal_of([&] { store->describe(); }), path() + ": the switch's database is damaged: nodes");
 }
 
 // A writer that failed in the middle, here for want of room, leaves the switch that was there.
