@@ -1,0 +1,61 @@
+#include "outbox.h"
+
+#include <cerrno>
+#include <iterator>
+#include <utility>
+
+#include "manager_protocol.h"
+
+namespace vswitch {
+
+outbox::outbox(msgq* handle, std::function<void(uint64_t, int)> on_loss) : handle_(handle), on_loss_(std::move(on_loss)) {}
+
+size_t outbox::letter::bytes() const {
+  return payload.size() + msgq_payload_size(request.get()) + MSGQ_SLACK + sizeof(letter);
+}
+
+// Returns 0 or an errno value.
+int outbox::send(const letter& one) {
+  constexpr msgq_addr kRequester = {FICON_REPLY_NODE, 0};
+  const int sent = msgq_send(handle_, &kRequester, FICON_OP_REPLY, one.payload.empty() ? nullptr : one.payload.data(),
+                             static_cast<uint32_t>(one.payload.size()), 0, one.request.get(), 0);
+  return sent == -1 ? msgq_errno_get(handle_) : 0;
+}
+
+void outbox::keep(uint64_t peer, letter one) {
+  pile& waiting = waiting_[peer];
+  const size_t bytes = one.bytes();
+  if (waiting.bytes + bytes > kWaitingBytes) return on_loss_(peer, ENOBUFS);
+  waiting.bytes += bytes;
+  waiting.letters.push_back(std::move(one));
+}
+
+void outbox::answer(owned_message request, payload_bytes payload) {
+  const uint64_t peer = msgq_peer_get(request.get());
+  letter one = {std::move(request), std::move(payload)};
+  const int error = waiting_.contains(peer) ? EAGAIN : send(one);
+  if (error == EAGAIN)
+    keep(peer, std::move(one));
+  else if (error != 0)
+    on_loss_(peer, error);
+}
+
+// Whether nothing is left.
+bool outbox::send_pile(uint64_t peer, pile& waiting) {
+  while (!waiting.letters.empty()) {
+    const letter& first = waiting.letters.front();
+    const int error = send(first);
+    if (error == EAGAIN) return false;
+    if (error != 0) on_loss_(peer, error);
+    waiting.bytes -= first.bytes();
+    waiting.letters.pop_front();
+  }
+  return true;
+}
+
+void outbox::retry() {
+  for (auto next = waiting_.begin(); next != waiting_.end();)
+    next = send_pile(next->first, next->second) ? waiting_.erase(next) : std::next(next);
+}
+
+} // namespace vswitch

@@ -1,0 +1,58 @@
+// Answers on their way, also those that their receiver has no room for yet: nothing blocks, and nothing overtakes.
+#ifndef VSWITCH_MANAGER_OUTBOX_H
+#define VSWITCH_MANAGER_OUTBOX_H
+
+#include <platform/msgq.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "requests.h"
+
+namespace vswitch {
+
+struct message_release {
+  void operator()(msgq_message* message) const { msgq_release(message); }
+};
+using owned_message = std::unique_ptr<msgq_message, message_release>;
+
+// What may wait for one receiver. One that asks on and on and never reads loses the answers beyond it.
+inline constexpr size_t kWaitingBytes = size_t{4} << 20;
+
+class outbox {
+ public:
+  // on_loss: told of each answer that did not reach its receiver, with an errno value.
+  outbox(msgq* handle, std::function<void(uint64_t peer, int error)> on_loss);
+
+  void answer(owned_message request, payload_bytes payload);
+
+  bool waiting() const { return !waiting_.empty(); }
+  void retry();
+
+ private:
+  struct letter {
+    owned_message request;
+    payload_bytes payload;
+    size_t bytes() const;
+  };
+  struct pile {
+    std::deque<letter> letters;
+    size_t bytes = 0;
+  };
+
+  int send(const letter& one);
+  void keep(uint64_t peer, letter one);
+  bool send_pile(uint64_t peer, pile& waiting);
+
+  msgq* handle_;
+  std::function<void(uint64_t, int)> on_loss_;
+  std::map<uint64_t, pile> waiting_; // by peer
+};
+
+} // namespace vswitch
+
+#endif

@@ -1,0 +1,78 @@
+// Swaps under way: each at its place in the handshake, until it is done or undone. Sends nothing itself.
+#ifndef VSWITCH_MANAGER_SWAP_DESK_H
+#define VSWITCH_MANAGER_SWAP_DESK_H
+
+#include <platform/msgq.h>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "map_changes.h"
+#include "swap_handshake.h"
+
+namespace vswitch {
+
+struct swap_surroundings {
+  // Asks the client; false when it cannot be reached.
+  std::function<bool(uint64_t peer, uint32_t opcode, const ficon_if_swap_req& request)> ask;
+  // Swaps the two interfaces in the port map; false when it could not be written.
+  std::function<bool(uint32_t if_index_a, uint32_t if_index_b)> write;
+  // Answers an order, which is then no longer the desk's.
+  std::function<void(msgq_message* order, const swap_result& result)> answer;
+  std::function<void(uint64_t peer, const std::string& what, uint32_t result)> log;
+};
+
+class swap_desk {
+ public:
+  swap_desk(swap_surroundings surroundings, int patience_ms);
+
+  // Whether a swap of two interfaces may begin, by the tables as they are: swap_result::result.
+  uint32_t may_begin(const chassis_description& chassis, const map_tables& tables, uint32_t if_index_a,
+                     uint32_t if_index_b) const;
+
+  // Begins one that may. order: becomes the desk's. vsans: that either interface is bound to.
+  void begin(msgq_message* order, uint64_t peer, uint32_t if_index_a, uint32_t if_index_b, const vsan_block& vsans,
+             int64_t now_ms);
+
+  // A client's response; whether a swap was waiting for it.
+  bool respond(uint64_t peer, const ficon_if_swap_resp& response, int64_t now_ms);
+
+  void give_up_late(int64_t now_ms);                                    // swaps whose client did not answer in time
+  void give_up_gone(std::span<const uint64_t> present, int64_t now_ms); // or is no longer there; present: ascending
+  void give_up_all();                                                   // the manager ends: nothing is waited for
+
+  bool empty() const { return swaps_.empty(); }
+  std::optional<int64_t> next_deadline_ms() const;
+
+ private:
+  struct swap {
+    uint32_t number;
+    uint64_t peer;
+    msgq_message* order;
+    uint32_t if_index_a;
+    uint32_t if_index_b;
+    vsan_block vsans;
+    swap_state state;
+    int64_t deadline_ms;
+  };
+
+  bool holds(uint32_t if_index) const;
+  std::string name_of(const swap& one) const;
+  void tell(const swap& one, const std::string& what, uint32_t result) const;
+  bool ask(const swap& one) const;
+  void move_on(swap& one, const swap_state& next, int64_t now_ms);
+  void forget_done();
+
+  swap_surroundings surroundings_;
+  int patience_ms_;
+  uint32_t last_number_ = 0;
+  std::vector<swap> swaps_;
+};
+
+} // namespace vswitch
+
+#endif
