@@ -1,6 +1,8 @@
 // create, set, diff, export, watch: everything about folders and files.
 #include "tool_test.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -74,6 +76,53 @@ TEST_F(Folders, FileIsReadWithoutLeavingAnythingBehind) {
   auto before = listing();
   ask({"check"});
   EXPECT_EQ(listing(), before);
+}
+
+// ---- Folders that a manager serves ----
+
+// A manager as the folder sees one.
+class served_folder {
+ public:
+  explicit served_folder(const std::string& folder)
+      : lock_(::open((folder + "/manager.lock").c_str(), O_RDWR | O_CREAT, 0664)) {
+    EXPECT_EQ(::flock(lock_, LOCK_EX | LOCK_NB), 0);
+    EXPECT_EQ(::ftruncate(lock_, 0), 0);
+    EXPECT_EQ(::write(lock_, "4711\n", 5), 5);
+  }
+  ~served_folder() { ::close(lock_); }
+  served_folder(const served_folder&) = delete;
+  served_folder& operator=(const served_folder&) = delete;
+
+ private:
+  int lock_;
+};
+
+TEST_F(Folders, ChangesAreRefusedWhileAManagerServesTheFolder) {
+  create();
+  const served_folder manager(path("folder"));
+  for (const std::vector<std::string>& change :
+       {std::vector<std::string>{"-s", "folder", "set", "port", "fc5/3", "--pa", "2F"},
+        {"-s", "folder", "set", "binding", "241", "none"},
+        {"-s", "folder", "set", "address", "30", "none"},
+        {"-s", "folder", "set", "time", "10", "now"},
+        {"create", "folder", "campus.toml"}}) {
+    auto result = run(change);
+    EXPECT_EQ(
+        result.err,
+        "chnsw: folder: a manager (process 4711) serves this switch and alone may change it; have the manager do it, or "
+        "end the manager first\n");
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.status, 3);
+  }
+  EXPECT_EQ(change_counter(), 7u);
+  EXPECT_EQ(run({"diff", "folder", "campus.toml"}).status, 0);
+}
+
+TEST_F(Folders, FolderIsChangedAgainWhenItsManagerIsGone) {
+  create();
+  { const served_folder manager(path("folder")); }
+  EXPECT_EQ(in_folder({"set", "port", "fc5/3", "--pa", "2F"}).status, 0);
+  EXPECT_EQ(run({"create", "folder", "campus.toml"}).status, 0);
 }
 
 // ---- set ----
@@ -237,6 +286,53 @@ TEST_F(Folders, DiffAndExportTellTimeReferences) {
   EXPECT_EQ(whole["time_references"][0]["tod_hex"], "0xCE4F44C4E9760000");
 }
 
+constexpr char kNode[] =
+    "\n[[node]]\ninterface = \"fc5/3\"\ncodepage = 273\nflags = 0x20000000\ntype = \"5570\"\nmodel = \"9\"\n"
+    "manufacturer = \"AC\"\nplant = \"12\"\nsequence = \"D00417\"\ntag = 0x10\n";
+
+TEST_F(Folders, DiffTellsANodeThatCameOrWent) {
+  write("node.toml", std::string(kCampus) + kNode);
+  EXPECT_EQ(run({"diff", "campus.toml", "node.toml"}).out,
+            "WHERE  FIELD  A   B\n"
+            "fc5/3  node   no  yes\n");
+  EXPECT_EQ(run({"diff", "node.toml", "campus.toml"}).out,
+            "WHERE  FIELD  A    B\n"
+            "fc5/3  node   yes  no\n");
+}
+
+TEST_F(Folders, DiffTellsEveryFieldOfANode) {
+  write("node.toml", std::string(kCampus) + kNode);
+  write("other.toml", std::string(kCampus) + "\n[[node]]\ninterface = \"fc5/3\"\n");
+  auto result = run({"diff", "node.toml", "other.toml"});
+  EXPECT_EQ(result.out,
+            "WHERE  FIELD              A             B\n"
+            "fc5/3  node code page     273           37\n"
+            "fc5/3  node flags         20000000      00000000\n"
+            "fc5/3  node type          005570        000000\n"
+            "fc5/3  node model         009           000\n"
+            "fc5/3  node manufacturer  AC            -\n"
+            "fc5/3  node plant         12            -\n"
+            "fc5/3  node sequence      000000D00417  000000000000\n"
+            "fc5/3  node tag           0010          0000\n");
+  EXPECT_EQ(result.status, 1);
+  auto rows = parse_json(run({"diff", "node.toml", "other.toml", "--format", "json"}).out);
+  EXPECT_EQ(rows[1]["a"], 0x20000000);
+  EXPECT_EQ(rows[4]["a"], "AC");
+}
+
+TEST_F(Folders, ExportHoldsTheNodes) {
+  write("node.toml", std::string(kCampus) + kNode);
+  ASSERT_EQ(run({"create", "folder", "node.toml"}).status, 0);
+  EXPECT_THAT(in_folder({"export"}).out,
+              testing::EndsWith("\n[[node]]\ninterface = \"fc5/3\"\ncodepage = 273\nflags = 0x20000000\ntype = \"005570\"\n"
+                                "model = \"009\"\nmanufacturer = \"AC\"\nplant = \"12\"\nsequence = \"000000D00417\"\n"
+                                "tag = 0x0010\n"));
+  auto nodes = parse_json(in_folder({"export", "--to", "json"}).out)["nodes"];
+  EXPECT_EQ(nodes, nlohmann::json::parse(R"([{"interface": "fc5/3", "if_index": 17039872, "if_index_hex": "0x01040200",
+      "codepage": 273, "codepage_name": "germany", "flags": 536870912, "flags_hex": "0x20000000", "type": "005570",
+      "model": "009", "manufacturer": "AC", "plant": "12", "sequence": "000000D00417", "tag": 16, "tag_hex": "0x0010"}])"));
+}
+
 TEST_F(Folders, DiffTellsTheVsanArray) {
   write("array.toml",
         campus_with("change_counter = 7", "change_counter = 7\nport_vsan_array = \"01" + std::string(62, '0') + "\""));
@@ -328,6 +424,27 @@ TEST_F(Folders, WatchEndsWhenTheChassisIsReplaced) {
   ASSERT_EQ(run({"create", "folder", CHNSW_SOURCE_DIR "/examples/director-18.toml"}).status, 0);
   EXPECT_EQ(wait_for(watch), 3);
   EXPECT_EQ(read("err_watch"), "chnsw: the switch was replaced by one with another chassis; start watch again\n");
+}
+
+TEST_F(Folders, WatchEndsWhenTheFolderIsRemoved) {
+  create();
+  pid_t watch = start("watch", {"-s", "folder", "--format", "json", "watch", "--interval", "0.02"});
+  while (read("out_watch").empty()) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  ASSERT_EQ(shell("rm -r folder").status, 0);
+  EXPECT_EQ(wait_for(watch), 3);
+  EXPECT_EQ(read("err_watch"), "chnsw: folder: the switch was removed\n");
+  EXPECT_EQ(parse_json(read("out_watch")), nlohmann::json::array());
+}
+
+// What was there before would never change again.
+TEST_F(Folders, WatchEndsWhenTheFolderIsRemovedAndMadeAnew) {
+  create();
+  ASSERT_EQ(run({"create", "other", "campus.toml"}).status, 0);
+  pid_t watch = start("watch", {"-s", "folder", "watch", "--interval", "0.02"});
+  while (read("out_watch").empty()) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  ASSERT_EQ(shell("mv other/data.mdb folder/data.mdb").status, 0);
+  EXPECT_EQ(wait_for(watch), 3);
+  EXPECT_EQ(read("err_watch"), "chnsw: folder: the switch was removed and made anew; start watch again\n");
 }
 
 TEST_F(Folders, WatchNeedsAFolderAndASensibleInterval) {

@@ -31,9 +31,10 @@ class CommandLine : public tool_test {
   }
 };
 
-const std::vector<std::string> kCommands = {"pa",      "pn",     "if",     "slot",  "index", "map",     "vsan",
-                                            "logical", "info",   "next",   "last",  "check", "default", "front",
-                                            "diff",    "export", "create", "watch", "set",   "tod"};
+const std::vector<std::string> kCommands = {"pa",      "pn",      "if",     "slot",   "index",  "map",      "vsan",
+                                            "logical", "info",    "next",   "last",   "check",  "default",  "front",
+                                            "diff",    "export",  "create", "watch",  "set",    "tod",      "manager",
+                                            "ask",     "install", "swap",   "listen", "notify", "codepage", "message"};
 
 TEST_F(CommandLine, EveryCommandHasHelpWithExamples) {
   auto general = run({"--help"});
@@ -51,11 +52,23 @@ TEST_F(CommandLine, EveryCommandHasHelpWithExamples) {
   }
   for (const char* part : {"port", "binding", "address", "time"})
     EXPECT_THAT(run({"set", part, "--help"}).out, HasSubstr("Examples:\n  chnsw ")) << part;
+  for (const char* part : {"portmap", "vsans", "vsan-state", "rnid"})
+    EXPECT_THAT(run({"ask", part, "--help"}).out, HasSubstr("Examples:\n  chnsw ")) << part;
+  for (const char* part : {"vsan", "port", "enable", "rnid"})
+    EXPECT_THAT(run({"notify", part, "--help"}).out, HasSubstr("Examples:\n  chnsw ")) << part;
+}
+
+TEST_F(CommandLine, MessageHasHelpWithExamples) {
+  for (const char* part : {"list", "decode", "encode"}) {
+    auto help = run({"message", part, "--help"});
+    EXPECT_THAT(help.out, HasSubstr("Examples:\n  chnsw ")) << part;
+    EXPECT_THAT(help.out, HasSubstr("One of portmap-request, portmap-answer, ")) << part;
+  }
 }
 
 TEST_F(CommandLine, HelpSaysHowDigitsAreRead) {
   EXPECT_THAT(run({"pa", "--help"}).out, HasSubstr("Bare digits are hexadecimal."));
-  for (const char* command : {"pn", "slot", "index", "map", "vsan", "default"})
+  for (const char* command : {"pn", "slot", "index", "map", "vsan", "default", "install", "codepage"})
     EXPECT_THAT(run({command, "--help"}).out, HasSubstr("Bare digits are decimal; 0x makes them hexadecimal.")) << command;
 }
 
@@ -200,6 +213,22 @@ TEST_F(CommandLine, CompletionOfOptionsAndValues) {
   EXPECT_EQ(shell(completions("chnsw set p")).out, "port\n");
   EXPECT_EQ(shell(completions("chnsw -s camp")).out, "campus.toml\n");
   EXPECT_EQ(shell(completions("chnsw export --to c")).out, "csv\n");
+  EXPECT_EQ(shell(completions("chnsw ask vsan")).out, "vsans\nvsan-state\n");
+  EXPECT_EQ(shell(completions("chnsw ask rnid --ti")).out, "--timeout\n");
+  EXPECT_EQ(shell(completions("chnsw swap fc1/1 fc1/2 --refuse ''")).out, "check-lock\ndo-swap\nunlock\n");
+  EXPECT_EQ(shell(completions("chnsw notify p")).out, "port\n");
+  EXPECT_EQ(shell(completions("chnsw notify port fc1/1 ''")).out, "up\ndown\n");
+  EXPECT_EQ(shell(completions("chnsw notify enable fc1/1 ''")).out, "on\noff\n");
+}
+
+TEST_F(CommandLine, CompletionOfMessagesIsTheToolsOwnList) {
+  EXPECT_EQ(shell(completions("chnsw message ''")).out, "list\ndecode\nencode\n");
+  EXPECT_EQ(shell(completions("chnsw message decode port")).out, "portmap-request\nportmap-answer\n");
+  EXPECT_EQ(shell(completions("chnsw message decode ifvsan-query ''")).out, "-\n");
+  EXPECT_EQ(shell(completions("chnsw message encode ifvsan-query arg")).out, "arg_a=\narg_b=\n");
+  EXPECT_EQ(shell(completions("chnsw message encode ifvsan-query arg_a = 1 i")).out, "if_index=\n");
+  EXPECT_EQ(shell(completions("chnsw message encode ifvsan-query --byte-order ''")).out, "big\nlittle\n");
+  EXPECT_EQ(shell(completions("chnsw codepage 28")).out, "280\n281\n284\n285\n");
 }
 
 TEST_F(CommandLine, CompletionOfAValueBehindAnEqualsSign) {
@@ -226,7 +255,12 @@ TEST_F(CommandLine, WrongUsePointsToTheHelpOfTheInnermostCommand) {
 
 // Every option that a command's help shows is completed, and none that it does not.
 TEST_F(CommandLine, CompletionAndHelpNameTheSameOptions) {
-  for (const auto& command : kCommands) {
+  auto commands = kCommands;
+  for (const char* part : {"ask portmap", "ask vsans", "ask vsan-state", "ask rnid", "notify vsan", "notify port",
+                           "notify enable", "notify rnid", "set port", "set binding", "set address", "set time",
+                           "message list", "message decode", "message encode"})
+    commands.emplace_back(part);
+  for (const auto& command : commands) {
     auto shown = shell("chnsw " + command +
                        " --help | grep -oE '^ +(-h,)?--[a-z-]+' | grep -oE -- '--[a-z-]+' | grep -v help | sort");
     auto completed = shell(completions("chnsw " + command + " --") +

@@ -267,6 +267,26 @@ TEST_F(Lists, InfoAsDataHasTheSame) {
   EXPECT_EQ(info["vsans"][0]["ports"], 8);
 }
 
+TEST_F(Lists, InfoTellsTheNodes) {
+  write("nodes.toml", std::string(kCampus) +
+                          "\n[[node]]\ninterface = \"port-channel1\"\n\n[[node]]\ninterface = \"fc5/3\"\ncodepage = 273\n"
+                          "flags = 0x20000000\ntype = \"5570\"\nmodel = \"9\"\nmanufacturer = \"AC\"\nplant = \"12\"\n"
+                          "sequence = \"D00417\"\ntag = 0x10\n");
+  auto result = run({"-s", "nodes.toml", "info"});
+  EXPECT_THAT(result.out,
+              testing::EndsWith(
+                  "\n\nNodes\n"
+                  "INTERFACE      TYPE    MODEL  MANUFACTURER  PLANT  SEQUENCE         TAG       FLAGS  CODE PAGE\n"
+                  "fc5/3          005570  009    AC            12     000000D00417  0x0010  0x20000000        273\n"
+                  "port-channel1  000000  000    -             -      000000000000  0x0000  0x00000000         37\n"));
+  auto nodes = parse_json(run({"-s", "nodes.toml", "info", "--format", "json"}).out)["nodes"];
+  ASSERT_EQ(nodes.size(), 2u);
+  EXPECT_EQ(nodes[0]["codepage_name"], "germany");
+  EXPECT_EQ(nodes[0]["sequence"], "000000D00417");
+  EXPECT_EQ(nodes[1]["if_index_hex"], "0x04000001");
+  EXPECT_EQ(nodes[1]["plant"], "");
+}
+
 TEST_F(Lists, VsanAllHasThoseThatOnlyTheMapNames) {
   write("changed.toml", campus_with("pa = 0x30\nvsans = [20]", "pa = 0x30\nvsans = [77]"));
   auto result = run({"-s", "changed.toml", "vsan", "all", "--format", "csv"});

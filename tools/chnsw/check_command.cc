@@ -32,7 +32,7 @@ std::string counted(size_t number, const char* thing) {
 }
 
 std::string summary(const library_session& session, size_t findings, size_t notes, bool notes_shown) {
-  auto vsans = vsans_of(session);
+  auto vsans = vsans_of(session.chassis());
   std::string text = fmt::format("tried {} port addresses and port numbers without a VSAN", session.ports());
   if (!vsans.empty()) text += fmt::format(" and in VSAN{} {}", vsans.size() == 1 ? "" : "s", fmt::join(vsans, ", "));
   text += fmt::format(": {}, {}", counted(findings, "finding"), counted(notes, "note"));

@@ -9,14 +9,23 @@
 #include <memory>
 #include <sstream>
 
+#include "ask_commands.h"
 #include "change_commands.h"
 #include "check_command.h"
+#include "codepage_command.h"
 #include "compare_commands.h"
 #include "default_command.h"
 #include "front_command.h"
 #include "info_command.h"
+#include "listen_command.h"
+#include "manager_command.h"
 #include "map_commands.h"
+#include "message_command.h"
+#include "message_table.h"
+#include "nearest_word.h"
+#include "order_commands.h"
 #include "resolve_commands.h"
+#include "swap_command.h"
 #include "tod_command.h"
 #include "watch_command.h"
 
@@ -326,6 +335,247 @@ void add_set_time_command(CLI::App& set, parsed_command_line& line) {
   runs(time, set_time, options, line);
 }
 
+// ---- manager, ask, install, swap, listen, notify ----
+
+constexpr char kInterfaces[] =
+    "Interfaces: fc3/5, fc3/1-48, port-channel5, an index like 0x01020400, or all. Slots and ports are decimal.";
+
+void add_interfaces(CLI::App* sub, const std::string& name, std::vector<std::string>& interfaces) {
+  sub->add_option(name, interfaces, kInterfaces)->required()->type_name("");
+}
+
+// One word of them, where another word follows.
+void add_interface_word(CLI::App* sub, std::vector<std::string>& interfaces) {
+  sub->add_option_function<std::string>(
+         "IF", [&interfaces](const std::string& word) { interfaces = {word}; }, kInterfaces)
+      ->required()
+      ->type_name("");
+}
+
+void add_vsans(CLI::App* sub, const std::string& name, std::string& vsans) {
+  sub->add_option(name, vsans, fmt::format("VSANs: 10, 10,20 or all. {}", kDecimal))->required()->type_name("");
+}
+
+void add_timeout(CLI::App* sub, double& seconds) {
+  sub->add_option("--timeout", seconds,
+                  fmt::format("Seconds to wait for each of the manager's messages; {:g} when left out", seconds))
+      ->type_name("SECONDS");
+}
+
+void add_manager_command(CLI::App& app, parsed_command_line& line) {
+  CLI::App* manager = add_command(app, "manager", "Be the FICON manager of a switch's folder, until interrupted",
+                                  "  chnsw manager /tmp/director\n  chnsw manager /tmp/director 2> manager.log &");
+  auto options = std::make_shared<manager_command_options>();
+  manager->add_option("FOLDER", options->folder, "Folder of the switch; the one of --switch when left out")->type_name("");
+  runs(manager, serve_folder, options, line);
+}
+
+// Adds a question of ask; what it is about is the caller's to add.
+CLI::App* add_ask(CLI::App& ask, parsed_command_line& line, const std::string& name, const std::string& what,
+                  const std::string& examples, command_function<ask_options> function,
+                  const shared_options<ask_options>& options) {
+  CLI::App* sub = add_command(ask, name, what, examples);
+  add_timeout(sub, options->timeout_seconds);
+  runs(sub, function, options, line);
+  return sub;
+}
+
+void add_ask_commands(CLI::App& app, parsed_command_line& line) {
+  CLI::App* ask = add_command(app, "ask", "Ask the manager of a switch's folder, by the library's own messages",
+                              "  chnsw -s /tmp/director ask portmap fc1/1-4\n  chnsw -s /tmp/director ask vsans\n"
+                              "  chnsw -s /tmp/director ask vsan-state fc1/1-4 10,20\n"
+                              "  chnsw -s /tmp/director ask rnid fc3/1");
+  ask->require_subcommand(1);
+  auto with = std::make_shared<ask_options>();
+  CLI::App* portmap = add_ask(*ask, line, "portmap", "Port numbers and port addresses of interfaces",
+                              "  chnsw -s /tmp/director ask portmap fc1/1-4,port-channel5\n"
+                              "  chnsw -s /tmp/director ask portmap all --format csv",
+                              ask_portmap, with);
+  add_interfaces(portmap, "IF", with->interfaces);
+  add_ask(*ask, line, "vsans", "The enabled VSANs", "  chnsw -s /tmp/director ask vsans --format json", ask_vsans, with);
+  CLI::App* state = add_ask(*ask, line, "vsan-state", "Whether interfaces are in VSANs, and bound to them",
+                            "  chnsw -s /tmp/director ask vsan-state fc1/1-4 10,20\n"
+                            "  chnsw -s /tmp/director ask vsan-state fc1/1 all --timeout 0.5",
+                            ask_vsan_state, with);
+  add_interface_word(state, with->interfaces);
+  add_vsans(state, "VSANS", with->vsans);
+  CLI::App* rnid = add_ask(*ask, line, "rnid", "What the devices behind interfaces say they are",
+                           "  chnsw -s /tmp/director ask rnid fc3/1\n  chnsw -s /tmp/director ask rnid all --format jsonl",
+                           ask_rnid, with);
+  add_interfaces(rnid, "IF", with->interfaces);
+}
+
+void add_order_commands(CLI::App& app, parsed_command_line& line) {
+  CLI::App* install = add_command(app, "install", "Have the manager install FICON in VSANs for interfaces: bind them to it",
+                                  "  chnsw -s /tmp/director install 30 fc1/1-4\n"
+                                  "  chnsw -s /tmp/director install 30,31 fc1/1-4,fc2/1\n"
+                                  "  chnsw -s /tmp/director install 30 fc1/1-4 --uninstall");
+  auto install_with = std::make_shared<install_options>();
+  add_vsans(install, "VSANS", install_with->vsans);
+  add_interfaces(install, "IF", install_with->interfaces);
+  install->add_flag("--uninstall", install_with->uninstall, "Take the VSANs out instead");
+  add_timeout(install, install_with->timeout_seconds);
+  runs(install, install_vsans, install_with, line);
+
+  CLI::App* swap = add_command(app, "swap", "Have the manager swap two interfaces, and answer each step of the handshake",
+                               "  chnsw -s /tmp/director swap fc1/1 fc2/1\n"
+                               "  chnsw -s /tmp/director swap fc1/1 fc2/1 --refuse do-swap --reason 7");
+  auto swap_with = std::make_shared<swap_options>();
+  swap->add_option("A", swap_with->a, "Interface like fc3/5, or an index like 0x01020400")->required()->type_name("");
+  swap->add_option("B", swap_with->b, "The other one")->required()->type_name("");
+  auto* refuse = swap->add_option("--refuse", swap_with->refuse, "Refuse a step: check-lock, do-swap or unlock")
+                     ->check(CLI::IsMember({"check-lock", "do-swap", "unlock"}))
+                     ->type_name("STEP");
+  swap->add_option("--reason", swap_with->reason, "The swap status that refuses it, decimal; 1 when left out")
+      ->check(CLI::Range(uint32_t{1}, UINT32_MAX))
+      ->needs(refuse)
+      ->type_name("N");
+  add_timeout(swap, swap_with->timeout_seconds);
+  runs(swap, swap_interfaces, swap_with, line);
+}
+
+// ---- listen, notify ----
+
+// Adds a notice of notify; what it is about is the caller's to add.
+CLI::App* add_notice(CLI::App& notify, parsed_command_line& line, const std::string& name, const std::string& what,
+                     const std::string& examples, command_function<notify_options> function,
+                     const shared_options<notify_options>& options) {
+  CLI::App* sub = add_command(notify, name, what, examples);
+  add_timeout(sub, options->timeout_seconds);
+  runs(sub, function, options, line);
+  return sub;
+}
+
+void add_state(CLI::App* sub, const shared_options<notify_options>& options, const std::string& on,
+               const std::string& off) {
+  sub->add_option("STATE", options->state, fmt::format("{} or {}", on, off))
+      ->required()
+      ->check(CLI::IsMember({on, off}))
+      ->type_name("");
+}
+
+void add_notice_commands(CLI::App& app, parsed_command_line& line) {
+  CLI::App* listen = add_command(app, "listen", "The manager's notices as they come, until interrupted",
+                                 "  chnsw -s /tmp/director listen\n  chnsw -s /tmp/director listen --format jsonl\n"
+                                 "  chnsw -s /tmp/director listen --count 1");
+  auto listen_with = std::make_shared<listen_options>();
+  listen->add_option("--count", listen_with->count, "End after this many notices; 0: go on until interrupted")
+      ->check(CLI::NonNegativeNumber)
+      ->type_name("N");
+  runs(listen, listen_to_manager, listen_with, line);
+
+  CLI::App* notify = add_command(app, "notify", "Have the manager send a notice to all that listen",
+                                 "  chnsw -s /tmp/director notify vsan 10 down\n"
+                                 "  chnsw -s /tmp/director notify port fc1/1-4 down --reason 3\n"
+                                 "  chnsw -s /tmp/director notify enable fc1/1 off\n"
+                                 "  chnsw -s /tmp/director notify rnid fc3/1");
+  notify->require_subcommand(1);
+  auto with = std::make_shared<notify_options>();
+  CLI::App* vsan = add_notice(*notify, line, "vsan", "A VSAN came up or went down",
+                              "  chnsw -s /tmp/director notify vsan 10,20 down", notify_vsan, with);
+  add_vsans(vsan, "VSANS", with->vsans);
+  add_state(vsan, with, "up", "down");
+  CLI::App* port = add_notice(*notify, line, "port", "A port came up or went down",
+                              "  chnsw -s /tmp/director notify port fc1/1-4 down --reason 3", notify_port, with);
+  add_interface_word(port, with->interfaces);
+  add_state(port, with, "up", "down");
+  port->add_option("--reason", with->reason, "Why, 0 to 255, decimal; 0 when left out")
+      ->check(CLI::Range(0, 255))
+      ->type_name("N");
+  CLI::App* enable = add_notice(*notify, line, "enable", "A port was enabled or disabled",
+                                "  chnsw -s /tmp/director notify enable fc1/1 off", notify_enable, with);
+  add_interface_word(enable, with->interfaces);
+  add_state(enable, with, "on", "off");
+  CLI::App* rnid = add_notice(*notify, line, "rnid", "The node descriptor of the device behind an interface",
+                              "  chnsw -s /tmp/director notify rnid fc3/1", notify_rnid, with);
+  add_interface_word(rnid, with->interfaces);
+}
+
+// ---- codepage, message ----
+
+void add_codepage_command(CLI::App& app, parsed_command_line& line) {
+  CLI::App* codepage = add_command(app, "codepage", "Code pages of mainframe hosts, and text in them",
+                                   "  chnsw codepage\n  chnsw codepage 273\n  chnsw codepage 37 --from-host C6C9C3D6D5\n"
+                                   "  chnsw codepage 37,273 --to-host 'ACM $1'\n"
+                                   "  chnsw codepage 500 --to-host - --format csv < texts.txt");
+  auto options = std::make_shared<codepage_options>();
+  codepage
+      ->add_option("PAGES", options->pages,
+                   fmt::format("Code pages: 37, 37,500 or all; without them a list of those that there are. {}", kDecimal))
+      ->type_name("");
+  auto* to_host = codepage
+                      ->add_option("--to-host", options->to_host,
+                                   "The switch's text into the host's bytes; - for the lines of standard input")
+                      ->allow_extra_args(false)
+                      ->type_name("TEXT");
+  codepage
+      ->add_option("--from-host", options->from_host,
+                   "The host's bytes, hexadecimal, into the switch's text; - for standard input")
+      ->type_name("HEX")
+      ->excludes(to_host);
+  runs(codepage, show_codepages, options, line);
+}
+
+std::string kinds_text() {
+  return fmt::format("One of {}", fmt::join(names_of(message_kinds()), ", "));
+}
+
+void add_byte_order(CLI::App* sub, const shared_options<message_options>& options) {
+  sub->add_option(
+         "--byte-order", options->order,
+         "Order of the bytes of a number: big, as a switch writes them (default), or little, as this machine does. "
+         "Interfaces in requests and answers are big-endian in both")
+      ->check(CLI::IsMember({"big", "little"}))
+      ->type_name("ORDER");
+}
+
+void add_message_commands(CLI::App& app, parsed_command_line& line) {
+  CLI::App* message =
+      add_command(app, "message", "What the bytes of a manager message say, and bytes for what is to be said",
+                  "  chnsw message\n"
+                  "  chnsw message decode ifvsan-answer 00000000 00000003 0000000A 01020400 00000000\n"
+                  "  chnsw message encode vsan-install install_byte0=1 vsans=10,20-29 interfaces=fc1/1-4");
+  message->require_subcommand(0, 1);
+  message->callback([&line, message] {
+    if (message->get_subcommands().empty())
+      line.run = [](const command_context& context) { return list_messages(context, {}); };
+  });
+
+  CLI::App* list = add_command(*message, "list", "The kinds of messages and their fields",
+                               "  chnsw message list\n  chnsw message list rnid-answer vsan-install --format csv");
+  auto list_with = std::make_shared<message_list_options>();
+  list->add_option("KIND", list_with->kinds, kinds_text())->type_name("");
+  runs(list, list_messages, list_with, line);
+
+  CLI::App* decode = add_command(*message, "decode", "Every field of a message's bytes",
+                                 "  chnsw message decode ifvsan-answer 00000000 00000003 0000000A 01020400 00000000\n"
+                                 "  hexdump -C captured | chnsw message decode rnid-answer - --format json");
+  auto decode_with = std::make_shared<message_options>();
+  decode->add_option("KIND", decode_with->kind, kinds_text())->required()->type_name("");
+  decode
+      ->add_option("HEX", decode_with->words,
+                   "The payload in hexadecimal: C1F1, 0xC1 F1, or a dump with offsets; - for standard input")
+      ->type_name("");
+  add_byte_order(decode, decode_with);
+  decode->add_flag("--value", decode_with->value_alone,
+                   "The bytes are the value alone, also if they begin like a TLV array of this virtual switch");
+  runs(decode, decode_message, decode_with, line);
+
+  CLI::App* encode =
+      add_command(*message, "encode", "The bytes of a message with these fields",
+                  "  chnsw message encode vsan-install install_byte0=1 vsans=10,20-29 interfaces=fc1/1-4\n"
+                  "  chnsw message encode rnid-answer if_index=fc3/1 codepage=37 node=8401-C02-ACM-83-A1234 --value");
+  auto encode_with = std::make_shared<message_options>();
+  encode->add_option("KIND", encode_with->kind, kinds_text())->required()->type_name("");
+  encode
+      ->add_option("FIELD=VALUE", encode_with->words,
+                   "Fields as chnsw message list KIND names them; the others hold what is usual")
+      ->type_name("");
+  add_byte_order(encode, encode_with);
+  encode->add_flag("--value", encode_with->value_alone, "The value alone, without the TLV array of this virtual switch");
+  runs(encode, encode_message, encode_with, line);
+}
+
 // ---- The whole ----
 
 void add_general_options(CLI::App& app, parsed_command_line& line) {
@@ -347,32 +597,10 @@ void add_general_options(CLI::App& app, parsed_command_line& line) {
   app.set_version_flag("--version", kVersion, "Print the version");
 }
 
-// How many letters apart two words are.
-size_t distance(const std::string& a, const std::string& b) {
-  std::vector<size_t> row(b.size() + 1);
-  for (size_t j = 0; j <= b.size(); ++j) row[j] = j;
-  for (size_t i = 1; i <= a.size(); ++i) {
-    size_t diagonal = row[0];
-    row[0] = i;
-    for (size_t j = 1; j <= b.size(); ++j) {
-      size_t changed = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({row[j] + 1, row[j - 1] + 1, changed});
-    }
-  }
-  return row.back();
-}
-
-std::string nearest_command(const CLI::App& app, const std::string& word) {
-  std::string nearest;
-  size_t least = 3;
-  for (const CLI::App* sub : app.get_subcommands(nullptr)) {
-    size_t apart = distance(word, sub->get_name());
-    if (apart >= least || apart >= sub->get_name().size()) continue;
-    least = apart;
-    nearest = sub->get_name();
-  }
-  return nearest;
+std::vector<std::string> command_names(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* sub : app.get_subcommands(nullptr)) names.push_back(sub->get_name());
+  return names;
 }
 
 // The first word that is no option and no option's value: the command. Empty when there is none.
@@ -389,13 +617,10 @@ std::string first_word(int argc, char** argv) {
 }
 
 void check_command(const CLI::App& app, const std::string& word) {
-  auto subs = app.get_subcommands(nullptr);
-  if (word.empty() || std::any_of(subs.begin(), subs.end(), [&](const CLI::App* sub) { return sub->get_name() == word; }))
-    return;
-  std::string nearest = nearest_command(app, word);
+  const auto names = command_names(app);
+  if (word.empty() || std::find(names.begin(), names.end(), word) != names.end()) return;
   throw usage_error(
-      fmt::format("there is no command \"{}\"; {}", word,
-                  nearest.empty() ? "chnsw --help lists them" : fmt::format("did you mean \"{}\"?", nearest)));
+      fmt::format("there is no command \"{}\"; {}", word, suggestion(word, names, "chnsw --help lists them")));
 }
 
 // The commands that were read before something went wrong: none, "pa", or "set" and "port".
@@ -416,7 +641,8 @@ std::string help_command(const CLI::App& app) {
 std::string complaint(const CLI::App& app, const CLI::ParseError& error) {
   auto read = commands_read(app);
   bool is_required = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);
-  if (!is_required || read.empty() || read.back()->get_require_subcommand_min() == 0) return error.what();
+  bool is_extra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+  if (!(is_required || is_extra) || read.empty() || read.back()->get_subcommands(nullptr).empty()) return error.what();
   std::string allowed;
   for (const CLI::App* sub : read.back()->get_subcommands(nullptr))
     allowed += (allowed.empty() ? "" : ", ") + sub->get_name();
@@ -440,6 +666,12 @@ parsed_command_line parse_command_line(int argc, char** argv) {
   add_set_commands(app, line);
   add_time_commands(app, line);
   add_set_time_command(*app.get_subcommand("set"), line);
+  add_manager_command(app, line);
+  add_ask_commands(app, line);
+  add_order_commands(app, line);
+  add_notice_commands(app, line);
+  add_codepage_command(app, line);
+  add_message_commands(app, line);
   try {
     if (std::string word = first_word(argc, argv); !word.empty()) check_command(app, word);
     app.parse(argc, argv);

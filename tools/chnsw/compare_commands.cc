@@ -8,6 +8,7 @@
 #include "chassis_file.h"
 #include "interface_index.h"
 #include "map_commands.h"
+#include "node_record.h"
 #include "port_map_walk.h"
 #include "switch_differences.h"
 
@@ -119,6 +120,7 @@ std::string as_json(const vswitch::chassis_description& chassis, int indent) {
   whole["bindings"] = bindings_of(chassis.map);
   whole["addresses"] = addresses_of(chassis.map);
   whole["time_references"] = times_of(chassis);
+  whole["nodes"] = node_records(chassis);
   whole["port_vsan_array"] = fmt::format("{:02x}", fmt::join(chassis.map.vsan_array, " "));
   return whole.dump(indent, ' ', false, ordered_json::error_handler_t::replace) + "\n";
 }

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "interface_index.h"
+#include "node_record.h"
 #include "port_row.h"
 
 namespace chnsw_tool {
@@ -65,7 +66,7 @@ ordered_json parts(const library_session& session) {
                           {"if_index", interface.if_index},
                           {"if_index_hex", fmt::format("0x{:08X}", interface.if_index)},
                           {"members", names_of(interface.members)}});
-  return {{"line_cards", cards}, {"vsans", vsans}, {"logical_interfaces", interfaces}};
+  return {{"line_cards", cards}, {"vsans", vsans}, {"logical_interfaces", interfaces}, {"nodes", node_records(chassis)}};
 }
 
 ordered_json record_of(const library_session& session) {
@@ -116,6 +117,25 @@ std::string joined_names(const ordered_json& names) {
   return fmt::format("{}", fmt::join(names.get<std::vector<std::string>>(), " "));
 }
 
+result_document nodes_table(const ordered_json& record) {
+  result_document nodes{{{"interface", "INTERFACE"},
+                         {"type", "TYPE"},
+                         {"model", "MODEL"},
+                         {"manufacturer", "MANUFACTURER"},
+                         {"plant", "PLANT"},
+                         {"sequence", "SEQUENCE"},
+                         {"tag", "TAG", 4, true},
+                         {"flags", "FLAGS", 8, true},
+                         {"codepage", "CODE PAGE"}},
+                        {}};
+  for (const auto& node : record["nodes"]) {
+    auto text = [&node](const char* key) { return node[key].get<std::string>(); };
+    nodes.add({text("interface"), text("type"), text("model"), text("manufacturer"), text("plant"), text("sequence"),
+               node["tag"].get<int64_t>(), node["flags"].get<int64_t>(), node["codepage"].get<int64_t>()});
+  }
+  return nodes;
+}
+
 std::string table_of(const ordered_json& record, const output_style& style) {
   result_document cards{{{"slot", "SLOT"}, {"line_card", "LINE CARD"}, {"ports", "PORTS"}, {"name", "NAME"}}, {}};
   for (const auto& card : record["line_cards"])
@@ -129,7 +149,7 @@ std::string table_of(const ordered_json& record, const output_style& style) {
     interfaces.add({interface["interface"].get<std::string>(), interface["if_index"].get<int64_t>(),
                     joined_names(interface["members"])});
   return summary_table(record) + section("Line cards", cards, style) + section("VSANs", vsans, style) +
-         section("Logical interfaces", interfaces, style);
+         section("Logical interfaces", interfaces, style) + section("Nodes", nodes_table(record), style);
 }
 
 } // namespace

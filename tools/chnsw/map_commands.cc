@@ -235,7 +235,7 @@ exit_code show_vsans(const command_context& context, const vsan_options& options
                             {"bound", "BOUND"}},
                            {}};
   bool every_one_has_ports = true;
-  for (uint32_t vsan : parse_numbers(kVsan, options.vsans, vsans_of(session))) {
+  for (uint32_t vsan : parse_numbers(kVsan, options.vsans, vsans_of(session.chassis()))) {
     size_t before = document.rows.size();
     add_vsan(vsan, document);
     if (document.rows.size() == before) every_one_has_ports = false;

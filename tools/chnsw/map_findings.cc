@@ -84,7 +84,10 @@ struct entry_behind {
 class map_check {
  public:
   explicit map_check(const library_session& session)
-      : session_(session), tables_(tables_of(session)), vsans_(vsans_of(session)), addresses_(session.pa_to_pn()) {
+      : session_(session),
+        tables_(tables_of(session)),
+        vsans_(vsans_of(session.chassis())),
+        addresses_(session.pa_to_pn()) {
     int32_t answer = ficon_pmap_prepare_fastpath(0);
     if (answer != 0)
       throw platform_error("the library cannot prepare its fast path: " + status_text(static_cast<uint32_t>(answer)));
@@ -385,15 +388,10 @@ std::vector<finding> find_in_map(const library_session& session) {
   return map_check(session).run();
 }
 
-std::vector<uint32_t> vsans_of(const library_session& session) {
-  std::set<uint32_t> vsans;
-  for (const auto& [number, name] : session.chassis().vsans) vsans.insert(number);
-  const auto* entries = session.port_to_pn();
-  const auto* current = session.port_to_vsan();
-  for (uint32_t index = 0; index < FICON_PMAP_PORT_ENTRIES; ++index) {
-    for (uint16_t vsan : entries[index].vsans) vsans.insert(vsan);
-    vsans.insert(current[index]);
-  }
+std::vector<uint32_t> vsans_of(const vswitch::chassis_description& chassis) {
+  std::set<uint32_t> vsans(chassis.map.port_to_vsan.begin(), chassis.map.port_to_vsan.end());
+  for (const auto& [number, name] : chassis.vsans) vsans.insert(number);
+  for (const auto& entry : chassis.map.port_to_pn) vsans.insert(std::begin(entry.vsans), std::end(entry.vsans));
   vsans.erase(0);
   return {vsans.begin(), vsans.end()};
 }

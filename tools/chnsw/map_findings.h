@@ -40,7 +40,7 @@ struct finding {
 std::vector<finding> find_in_map(const library_session& session);
 
 // Every VSAN that the switch has, or that its map names.
-std::vector<uint32_t> vsans_of(const library_session& session);
+std::vector<uint32_t> vsans_of(const vswitch::chassis_description& chassis);
 
 } // namespace chnsw_tool
 

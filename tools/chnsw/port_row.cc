@@ -109,6 +109,10 @@ result_row show(const port_row& row, const library_session& session) {
           nullptr};
 }
 
+cell known_cell(bool known, cell value) {
+  return known ? std::move(value) : cell();
+}
+
 cell optional_cell(std::optional<uint32_t> value) {
   if (!value) return {};
   return int64_t{*value};

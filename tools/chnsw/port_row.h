@@ -33,6 +33,7 @@ std::vector<column> port_columns();
 result_row show(const port_row& row, const library_session& session);
 
 // Cells that other tables share.
+cell known_cell(bool known, cell value); // none for what is not known
 cell optional_cell(std::optional<uint32_t> value);
 cell number_cell(std::optional<uint32_t> number);           // also none for FICON_PMAP_NO_NUMBER
 cell interface_cell(std::optional<uint32_t> if_index);      // the index, none for 0

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -30,10 +31,12 @@ constexpr named_status kStatusNames[] = {
     {FICON_RC_NOT_FC_PORT, "FICON_RC_NOT_FC_PORT"},
     {FICON_RC_BASE, "FICON_RC_BASE"},
     {FICON_RC_INVALID_ARG, "FICON_RC_INVALID_ARG"},
+    {FICON_RC_NO_PAYLOAD, "FICON_RC_NO_PAYLOAD"},
     {FICON_RC_PLATFORM, "FICON_RC_PLATFORM"},
     {FICON_RC_PA_RANGE, "FICON_RC_PA_RANGE"},
     {FICON_RC_PN_RANGE, "FICON_RC_PN_RANGE"},
     {FICON_RC_LAG_MEMBER, "FICON_RC_LAG_MEMBER"},
+    {FICON_RC_CONVERT, "FICON_RC_CONVERT"},
     {FICON_RC_NOT_ASSOCIATED, "FICON_RC_NOT_ASSOCIATED"},
     {FICON_RC_NO_IF, "FICON_RC_NO_IF"},
     {FICON_RC_MULTI_IF, "FICON_RC_MULTI_IF"},
@@ -248,7 +251,7 @@ table_column lay_out(const result_document& document, size_t which) {
 
 void add_aligned(const table_column& column, const std::string& text, tone colour, bool enabled, bool last,
                  std::string& line) {
-  std::string padding(column.width - width(text), ' ');
+  std::string padding(std::max(column.width, width(text)) - width(text), ' ');
   if (column.right) line += padding;
   line += coloured(text, colour, enabled);
   if (!column.right && !last) line += padding;
@@ -271,6 +274,35 @@ std::string table_document(const result_document& document, bool colour) {
   for (const auto& row : document.rows)
     if (row.explanation) text += "\n" + row.explanation_text;
   return text;
+}
+
+struct table_text {
+  std::string text;
+  tone colour;
+};
+
+// A line of a table of which nobody knows yet what else it will hold.
+std::string growing_line(const std::vector<column>& columns, bool colour, const std::function<table_text(size_t)>& at) {
+  std::vector<size_t> shown;
+  for (size_t i = 0; i < columns.size(); ++i)
+    if (in_table(columns[i])) shown.push_back(i);
+  std::string line;
+  for (size_t i : shown) {
+    const table_column layout{columns[i].title, {}, {}, std::max(columns[i].room, width(columns[i].title)), false};
+    const table_text cell = at(i);
+    add_aligned(layout, cell.text, cell.colour, colour, i == shown.back(), line);
+  }
+  return line + "\n";
+}
+
+std::string growing_header(const std::vector<column>& columns, bool colour) {
+  return growing_line(columns, colour, [&](size_t i) { return table_text{columns[i].title, tone::strong}; });
+}
+
+std::string growing_row(const std::vector<column>& columns, const result_row& row, bool colour) {
+  return growing_line(columns, colour, [&](size_t i) {
+    return table_text{std::visit(to_table{columns[i]}, row.cells[i]), tone_of(row.cells[i])};
+  });
 }
 
 } // namespace
@@ -296,6 +328,16 @@ std::string printable(std::string_view text) {
       result += fmt::format("\\x{:02X}", static_cast<unsigned char>(text[++i]));
     else
       result += text[i];
+  }
+  return result;
+}
+
+std::string utf8_of_latin1(std::string_view text) {
+  std::string result;
+  for (char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x80) result += static_cast<char>(0xC0 | byte >> 6);
+    result += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
   }
   return result;
 }
@@ -333,11 +375,13 @@ std::string render_record(const ordered_json& record, const std::string& table, 
 }
 
 std::string stream_begin(const std::vector<column>& columns, const output_style& style) {
+  if (style.format == output_format::table) return growing_header(columns, style.colour);
   if (style.format == output_format::csv) return csv_header(columns, false);
   return style.format == output_format::json ? "[" : "";
 }
 
 std::string stream_row(const std::vector<column>& columns, const result_row& row, bool first, const output_style& style) {
+  if (style.format == output_format::table) return growing_row(columns, row, style.colour);
   if (style.format == output_format::csv) return csv_row(columns, row);
   ordered_json data = row_data(columns, row);
   if (style.format == output_format::jsonl) return dump(data, -1) + "\n";

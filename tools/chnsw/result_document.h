@@ -2,6 +2,7 @@
 #ifndef CHNSW_RESULT_DOCUMENT_H
 #define CHNSW_RESULT_DOCUMENT_H
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
@@ -52,6 +53,7 @@ struct column {
   unsigned hex_digits = 0; // not 0: data has the hexadecimal text beside the number, as key_hex
   bool hex_in_table = false;
   place shown = everywhere;
+  size_t room = 0; // its width in a table that grows while it is written; wider texts push the others aside
 };
 
 struct result_row {
@@ -82,6 +84,7 @@ std::string stream_end(bool any_row, const output_style& style);
 
 // Text as it may stand in a terminal: control characters are shown, not obeyed.
 std::string printable(std::string_view text);
+std::string utf8_of_latin1(std::string_view text); // the switch's own text, ISO 8859-1, as results hold it
 std::string coloured(std::string_view text, tone colour, bool enabled);
 
 } // namespace chnsw_tool

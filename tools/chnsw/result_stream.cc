@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
 #include "tool_error.h"
 
@@ -45,9 +46,10 @@ bool result_stream::is_terminal() const {
 }
 
 // Asked for no event, poll still tells that the other end is gone; for a file it just sleeps.
-void result_stream::wait(double seconds) const {
-  pollfd end{fd_, 0, 0};
-  if (::poll(&end, 1, static_cast<int>(seconds * 1000)) > 0) throw platform_error("");
+void result_stream::wait(std::initializer_list<int> descriptors, int timeout_ms) const {
+  std::vector<pollfd> ends = {{fd_, 0, 0}};
+  for (int descriptor : descriptors) ends.push_back({descriptor, POLLIN, 0});
+  if (::poll(ends.data(), ends.size(), timeout_ms) > 0 && ends.front().revents != 0) throw platform_error("");
 }
 
 void result_stream::write(std::string_view text) {

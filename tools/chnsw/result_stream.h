@@ -2,6 +2,7 @@
 #ifndef CHNSW_RESULT_STREAM_H
 #define CHNSW_RESULT_STREAM_H
 
+#include <initializer_list>
 #include <string_view>
 
 namespace chnsw_tool {
@@ -16,8 +17,9 @@ class result_stream {
 
   bool is_terminal() const;
 
-  // Waits, or until a signal comes. Throws as write does when the reader goes away meanwhile.
-  void wait(double seconds) const;
+  // Waits until one of the descriptors is readable or the time has passed; timeout_ms is -1 for no end. Throws as write does
+  // when the reader goes away meanwhile.
+  void wait(std::initializer_list<int> descriptors, int timeout_ms) const;
 
   // Throws tool_error when not everything could be written; its message is empty when the reader has gone away.
   void write(std::string_view text);

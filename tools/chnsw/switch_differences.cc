@@ -75,6 +75,7 @@ class comparison {
     compare_vsans();
     compare_times();
     compare_interfaces();
+    compare_nodes();
     compare_entries();
     compare_tables();
     if (found_.empty()) require_equal();
@@ -173,6 +174,34 @@ class comparison {
       else
         add(where, "is there", presence(before != nullptr), presence(after != nullptr));
     }
+  }
+
+  void compare_nodes() {
+    std::set<uint32_t> all;
+    for (const auto* chassis : {&before_, &after_})
+      for (const auto& [if_index, node] : chassis->nodes) all.insert(if_index);
+    for (uint32_t if_index : all) {
+      auto before = before_.nodes.find(if_index);
+      auto after = after_.nodes.find(if_index);
+      const bool was_there = before != before_.nodes.end();
+      const bool is_there = after != after_.nodes.end();
+      if (was_there && is_there)
+        compare_node(vswitch::interface_name(if_index), before->second, after->second);
+      else
+        add(vswitch::interface_name(if_index), "node", presence(was_there), presence(is_there));
+    }
+  }
+
+  void compare_node(const std::string& where, const vswitch::node_descriptor& before,
+                    const vswitch::node_descriptor& after) {
+    auto flags = [](uint32_t value) { return shown_value{int64_t{value}, fmt::format("{:08X}", value)}; };
+    auto tag = [](uint16_t value) { return shown_value{int64_t{value}, fmt::format("{:04X}", value)}; };
+    add(where, "node code page", number_value(before.codepage), number_value(after.codepage));
+    add(where, "node flags", flags(before.flags), flags(after.flags));
+    for (const auto& field : vswitch::kNodeTexts)
+      add(where, fmt::format("node {}", field.name), text_value(vswitch::without_blanks(before.*field.text)),
+          text_value(vswitch::without_blanks(after.*field.text)));
+    add(where, "node tag", tag(before.tag), tag(after.tag));
   }
 
   std::string place_of(uint32_t index) const {

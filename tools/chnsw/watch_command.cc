@@ -3,10 +3,10 @@
 
 #include <fmt/format.h>
 
-#include <csignal>
 #include <memory>
 #include <utility>
 
+#include "interruption.h"
 #include "map_commands.h"
 #include "switch_differences.h"
 #include "switch_store.h"
@@ -14,20 +14,6 @@
 namespace chnsw_tool {
 
 namespace {
-
-volatile std::sig_atomic_t asked_to_end = 0;
-
-void ask_to_end(int) {
-  asked_to_end = 1;
-}
-
-// An interrupt ends the wait, and then the document is closed as it should be.
-void end_on_interrupt() {
-  struct sigaction action = {};
-  action.sa_handler = ask_to_end;
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
-}
 
 // What is written at each draw.
 class drawing {
@@ -98,12 +84,24 @@ void require_same_chassis(const vswitch::chassis_description& before, const vswi
   throw platform_error("the switch was replaced by one with another chassis; start watch again");
 }
 
+void require_in_place(vswitch::switch_store& store, const std::string& folder) {
+  switch (store.state_of_folder()) {
+    case vswitch::folder_state::in_place:
+      return;
+    case vswitch::folder_state::removed:
+      throw platform_error(folder + ": the switch was removed");
+    case vswitch::folder_state::made_anew:
+      throw platform_error(folder + ": the switch was removed and made anew; start watch again");
+  }
+}
+
 void draw_changes(vswitch::switch_store& store, const command_context& context, const watch_options& options,
-                  vswitch::chassis_description shown, drawing& picture) {
+                  const interruption& stop, vswitch::chassis_description shown, drawing& picture) {
   uint64_t draws = 1;
-  while (asked_to_end == 0 && (options.count == 0 || draws < options.count)) {
+  while (!stop.has_come() && (options.count == 0 || draws < options.count)) {
+    require_in_place(store, context.switch_path);
     if (change_counter(store) == shown.change_counter) {
-      context.results.wait(options.interval_seconds);
+      context.results.wait({stop.descriptor()}, static_cast<int>(options.interval_seconds * 1000));
       continue;
     }
     auto now = store.describe();
@@ -116,11 +114,12 @@ void draw_changes(vswitch::switch_store& store, const command_context& context, 
 
 void watch(vswitch::switch_store& store, const command_context& context, const std::string& folder,
            const watch_options& options) {
+  const interruption stop; // from here on an interrupt ends the wait, and then the document is closed as it should be
   auto shown = store.describe();
   drawing picture(context, folder); // begins the document: from here on a change is seen
   picture.draw(shown, shown);
   try {
-    draw_changes(store, context, options, std::move(shown), picture);
+    draw_changes(store, context, options, stop, std::move(shown), picture);
   } catch (...) {
     picture.end(); // what was written until now is a whole document
     throw;
@@ -135,7 +134,6 @@ exit_code watch_switch(const command_context& context, const watch_options& opti
     throw usage_error("the interval is from 0.01 to 3600 seconds");
   const std::string& folder =
       context.named_folder("it does not change by itself; watch needs a switch's folder (chnsw create)");
-  end_on_interrupt();
   try {
     auto store = vswitch::switch_store::open(folder);
     watch(*store, context, folder, options);

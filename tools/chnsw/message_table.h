@@ -1,0 +1,71 @@
+// The messages between the FICON manager and its clients, as one table: kinds, and the fields of their records.
+#ifndef CHNSW_MESSAGE_TABLE_H
+#define CHNSW_MESSAGE_TABLE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace chnsw_tool {
+
+// What stands in a field, and how people write it.
+enum class field_form {
+  number,
+  status,            // of the library
+  codepage,          // a number with a name
+  interface_on_wire, // big-endian, whatever the order of the rest
+  interface_as_is,   // in the order of the rest
+  text,              // the switch's, filled with NULs
+  host_text,         // in the code page of the record's field "codepage"
+  node,              // a whole node descriptor
+  bytes,
+  vsan_set, // a bitmap
+  count,    // of the interfaces at the record's end; encode counts them
+  interface_list
+};
+
+struct message_field {
+  std::string_view name;
+  size_t offset;
+  size_t length; // 0: as long as the interfaces are many
+  field_form form;
+  uint32_t usual; // what encode writes when nothing else is said
+  std::string_view what;
+};
+
+enum class message_framing { none, flat, tlv };
+
+struct message_kind {
+  std::string_view name;
+  std::string_view opcodes;
+  message_framing framing;
+  uint16_t tlv_type;
+  size_t size;       // of the record
+  size_t short_size; // of one that ends earlier, without its last fields; else the same
+  bool is_free_form; // with any other length it is nothing but bytes
+  std::span<const message_field> fields;
+  std::string_view what;
+};
+
+std::span<const message_kind> message_kinds();
+
+// Throws a usage error that suggests another name.
+const message_kind& find_message_kind(std::string_view name);
+const message_field& find_message_field(const message_kind& kind, std::string_view name);
+
+// Their names, for help.
+std::vector<std::string> names_of(std::span<const message_kind> kinds);
+std::vector<std::string> names_of(std::span<const message_field> fields);
+
+// How the value of a field is written.
+std::string_view form_text(field_form form);
+
+// "TLV type 9", "flat", "none".
+std::string framing_text(const message_kind& kind);
+
+} // namespace chnsw_tool
+
+#endif

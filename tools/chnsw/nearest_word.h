@@ -1,0 +1,19 @@
+// What was probably meant by a word that nothing is called by.
+#ifndef CHNSW_NEAREST_WORD_H
+#define CHNSW_NEAREST_WORD_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace chnsw_tool {
+
+// The candidate that is at most two letters from the word; empty when there is none.
+std::string nearest_word(std::string_view word, const std::vector<std::string>& candidates);
+
+// "did you mean \"map\"?", or what else to say.
+std::string suggestion(std::string_view word, const std::vector<std::string>& candidates, const std::string& otherwise);
+
+} // namespace chnsw_tool
+
+#endif
