@@ -87,13 +87,14 @@ class round_robin {
   size_t first_ = 0;
 };
 
-void measure(benchmark::State& state, const std::function<void()>& subject, const std::vector<baseline>& baselines) {
+void measure(benchmark::State& state, const std::function<void()>& subject, const std::vector<baseline>& baselines,
+             int times_a_run) {
   round_robin turns(subject, baselines);
   for (auto _ : state) {
     turns.take_turns();
     state.SetIterationTime(turns.subject_turn_seconds());
   }
-  state.counters[kTime] = turns.median_seconds() * 1e9;
+  state.counters[kTime] = turns.median_seconds() * 1e9 / times_a_run;
   for (size_t i = 0; i < baselines.size(); ++i) {
     state.counters[kRatio + baselines[i].name] = turns.median_ratio(i);
     if (baselines[i].bar > 0) state.counters[kBar + baselines[i].name] = baselines[i].bar;
@@ -127,7 +128,8 @@ class ratio_table : public benchmark::BenchmarkReporter {
       return;
     }
     char time[32];
-    std::snprintf(time, sizeof time, "%.0f ns", run.counters.at(kTime).value);
+    const double ns = run.counters.at(kTime).value;
+    std::snprintf(time, sizeof time, "%.*f ns", ns < 100 ? 1 : 0, ns);
     std::printf("%-66s %10s", run.run_name.function_name.c_str(), time);
     const char* indent = "";
     for (const auto& [name, counter] : run.counters) {
@@ -176,10 +178,10 @@ bool asks_for_a_format(int argc, char** argv) {
 } // namespace
 
 void add_ratio(const std::string& name, std::function<void()> subject, std::vector<baseline> baselines,
-               std::function<void()> prepare) {
+               std::function<void()> prepare, int times_a_run) {
   const auto run = [=](benchmark::State& state) {
     if (prepare) prepare();
-    measure(state, subject, baselines);
+    measure(state, subject, baselines, times_a_run);
   };
   benchmark::RegisterBenchmark(name.c_str(), run)->UseManualTime();
 }

@@ -15,9 +15,10 @@ struct baseline {
   double bar = 0; // the highest ratio that is within; 0: none is promised
 };
 
-// Adds a benchmark of subject against each baseline. prepare runs before it, once.
+// Adds a benchmark of subject against each baseline. prepare runs before it, once. A run that does the same thing several
+// times says so, and the time of one is shown.
 void add_ratio(const std::string& name, std::function<void()> subject, std::vector<baseline> baselines,
-               std::function<void()> prepare = nullptr);
+               std::function<void()> prepare = nullptr, int times_a_run = 1);
 
 // Adds a benchmark of something that tells its own time in milliseconds, against a time.
 void add_process_time(const std::string& name, std::function<double()> run_and_tell_ms, double bar_ms);

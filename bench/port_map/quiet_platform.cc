@@ -101,10 +101,10 @@ int memacct_init(const char*, uint32_t, const char* const*, uint32_t) {
   return 0;
 }
 
-// Apart by whole cache lines, as the virtual switch allocates.
+// Large blocks at the beginning of a page, as the virtual switch allocates.
 void* memacct_alloc(uint32_t, uint32_t, uint32_t size) {
-  constexpr uint32_t kLine = 64;
-  return std::aligned_alloc(kLine, (size + kLine - 1) / kLine * kLine);
+  constexpr uint32_t kPage = 4096;
+  return size < kPage ? std::malloc(size) : std::aligned_alloc(kPage, (size + kPage - 1) / kPage * kPage);
 }
 
 void memacct_uninit(uint32_t) {}
