@@ -190,7 +190,10 @@ descriptor accept_peer(const descriptor& listener, pid_t& process) noexcept {
 
 bool still_connected(const descriptor& connection) noexcept {
   pollfd state{connection.number(), 0, 0};
-  return poll(&state, 1, 0) == 0;
+  int lost = 0;
+  do lost = poll(&state, 1, 0);
+  while (lost < 0 && errno == EINTR);
+  return lost == 0;
 }
 
 int send_frame(const descriptor& connection, const frame_header& header, const void* payload) noexcept {

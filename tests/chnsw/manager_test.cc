@@ -31,6 +31,22 @@ TEST_F(Manager, LogsEveryRequest) {
   EXPECT_THAT(read("err_manager"), testing::ContainsRegex("Z peer [0-9]+: RNID of fc9/1: 0x4085004A\n"));
 }
 
+TEST_F(Manager, EndsWhenItsFolderIsRemoved) {
+  pid_t manager = start_in_folder("doomed", {"manager"});
+  wait_for_text("err_doomed", "serving d");
+  ASSERT_EQ(shell("rm -r d").status, 0);
+  EXPECT_EQ(end_of(manager), 3);
+  EXPECT_THAT(read("err_doomed"), HasSubstr("/d: the switch was removed\n"));
+}
+
+TEST_F(Manager, ServesOnWhenItsLogCannotBeWritten) {
+  const auto result = shell(
+      "chnsw manager d 2> /dev/full & manager=$!\n"
+      "for n in $(seq 200); do chnsw -s d ask vsans > /dev/null 2>&1 && break; sleep 0.05; done\n"
+      "chnsw -s d ask vsans --format csv; kill $manager; wait $manager; echo \"status $?\"");
+  EXPECT_EQ(result.out, "vsan,name\n10,production\n20,\nstatus 0\n");
+}
+
 TEST_F(Manager, FolderMayBeTheOneOfTheSwitchOption) {
   pid_t manager = start_in_folder("other", {"manager"});
   wait_for_text("err_other", "serving d");

@@ -4,6 +4,8 @@
 #include <swap_desk.h>
 #include <vswitch.h>
 
+#include <cerrno>
+
 #include "manager_test.h"
 
 namespace {
@@ -53,7 +55,7 @@ TEST(SwapHandshake, MapThatIsNotWrittenIsSwappedBackAndUnlocked) {
 
 TEST(SwapHandshake, SilenceIsARefusalOfStatusZero) {
   EXPECT_EQ(after_silence({check_lock, {}}), (swap_state{unlock_again, {0x4085000A, 1, 0}}));
-  EXPECT_EQ(after_silence({do_swap, {}}), (swap_state{unlock_again, {0x4085000A, 2, 0}}));
+  EXPECT_EQ(after_silence({do_swap, {}}), (swap_state{swap_back, {0x4085000A, 2, 0}})); // it may swap yet
   EXPECT_EQ(after_silence({unlock, {}}), (swap_state{swap_back, {0x4085000A, 3, 0}}));
 }
 
@@ -91,9 +93,10 @@ class SwapDesk : public testing::Test {
 
   swap_surroundings surroundings() {
     return {[this](uint64_t peer, uint32_t opcode, const ficon_if_swap_req& request) {
-              if (peer == unreachable_) return false;
+              if (peer == unreachable_) return ECONNREFUSED;
+              if (peer == full_) return EAGAIN;
               sent_.push_back(step_name(opcode) + " " + std::to_string(request.swap_word0) + " to " + std::to_string(peer));
-              return true;
+              return 0;
             },
             [this](uint32_t a, uint32_t b) {
               sent_.push_back("write " + interface_name(a) + " " + interface_name(b));
@@ -118,6 +121,7 @@ class SwapDesk : public testing::Test {
 
   const chassis_description chassis_ = full_switch();
   uint64_t unreachable_ = 0;
+  uint64_t full_ = 0;
   bool writes_ = true;
   std::vector<std::string> sent_;
   std::vector<std::string> log_;
@@ -129,6 +133,31 @@ TEST_F(SwapDesk, AcceptedSwapIsWrittenAndAnswered) {
   for (int step = 0; step < 3; ++step) EXPECT_TRUE(respond(3, 1, 0));
   EXPECT_THAT(sent_,
               ElementsAre("check-lock 1 to 3", "do-swap 1 to 3", "unlock 1 to 3", "write fc1/1 fc1/2", "answer 0 0 0"));
+  EXPECT_TRUE(desk_.empty());
+}
+
+TEST_F(SwapDesk, ClientWithoutRoomIsAskedAgain) {
+  full_ = 3;
+  begin(3, kFc1_1, kFc1_2, 0);
+  EXPECT_TRUE(desk_.has_unasked());
+  desk_.ask_again(50);
+  EXPECT_THAT(sent_, IsEmpty());
+  full_ = 0;
+  desk_.ask_again(60);
+  EXPECT_FALSE(desk_.has_unasked());
+  desk_.ask_again(70);
+  EXPECT_THAT(sent_, ElementsAre("check-lock 1 to 3"));
+}
+
+TEST_F(SwapDesk, ClientThatNeverHasRoomIsGivenUpInTime) {
+  full_ = 3;
+  begin(3, kFc1_1, kFc1_2, 0);
+  desk_.ask_again(99);
+  EXPECT_EQ(desk_.next_deadline_ms(), 100);
+  desk_.give_up_late(100); // the undoing has no room either
+  EXPECT_EQ(desk_.next_deadline_ms(), 200);
+  desk_.give_up_late(200);
+  EXPECT_THAT(sent_, ElementsAre("answer 1 1 0"));
   EXPECT_TRUE(desk_.empty());
 }
 

@@ -33,7 +33,8 @@ namespace vswitch {
 namespace {
 
 constexpr int kMessagesAtOnce = 64; // before the other end, the deadlines and the stop are looked at again
-constexpr int kRetryMs = 2;         // an end does not tell when a receiver has room again
+constexpr int kFolderLookMs = 1000;
+constexpr int kRetryMs = 2; // an end does not tell when a receiver has room again
 
 struct end_close {
   void operator()(msgq* handle) const { msgq_close(handle); }
@@ -93,6 +94,7 @@ class manager {
   answer install(msgq_message* request);
   answer notify(payload_view payload);
   void look_after_swaps();
+  void look_after_folder();
 
   uint32_t swap_vsans(uint32_t if_index_a, uint32_t if_index_b, vsan_block& vsans);
   bool write_swap(uint32_t if_index_a, uint32_t if_index_b);
@@ -107,6 +109,7 @@ class manager {
   outbox answers_;
   outbox refusals_;
   swap_desk swaps_;
+  int64_t folder_seen_ms_ = 0;
   bool requests_wait_ = false; // messages, or what else an end has to tell
   bool listeners_wait_ = false;
 };
@@ -125,7 +128,8 @@ manager::manager(const manager_options& options)
 
 swap_surroundings manager::surroundings() {
   return {[this](uint64_t peer, uint32_t opcode, const ficon_if_swap_req& request) {
-            return msgq_send_to_peer(requests_.get(), peer, opcode, &request, sizeof request) == 0;
+            const int sent = msgq_send_to_peer(requests_.get(), peer, opcode, &request, sizeof request);
+            return sent == -1 ? msgq_errno_get(requests_.get()) : 0;
           },
           [this](uint32_t a, uint32_t b) { return write_swap(a, b); },
           [this](msgq_message* order, const swap_result& result) {
@@ -159,9 +163,10 @@ bool manager::wait() {
 
 int manager::wait_ms() const {
   if (requests_wait_ || listeners_wait_) return 0;
-  int64_t wait = answers_.waiting() || refusals_.waiting() ? kRetryMs : INT32_MAX;
+  int64_t wait = answers_.waiting() || refusals_.waiting() || swaps_.has_unasked() ? kRetryMs : INT32_MAX;
   if (const auto deadline = swaps_.next_deadline_ms()) wait = std::min(wait, *deadline - now_ms());
-  return wait == INT32_MAX ? -1 : static_cast<int>(std::max<int64_t>(wait, 0));
+  wait = std::min(wait, folder_seen_ms_ + kFolderLookMs - now_ms());
+  return static_cast<int>(std::max<int64_t>(wait, 0));
 }
 
 // Whether there may be more.
@@ -185,6 +190,7 @@ void manager::serve() {
     if (requests_wait_) requests_wait_ = take_messages(requests_.get(), &manager::take);
     if (listeners_wait_) listeners_wait_ = take_messages(listeners_.get(), &manager::refuse);
     look_after_swaps();
+    look_after_folder();
     answers_.retry();
     refusals_.retry();
   }
@@ -192,9 +198,18 @@ void manager::serve() {
   log(0, "ends", 0);
 }
 
+// Nobody finds a manager whose folder was removed.
+void manager::look_after_folder() {
+  const int64_t now = now_ms();
+  if (now - folder_seen_ms_ < kFolderLookMs) return;
+  folder_seen_ms_ = now;
+  if (store_.state_of_folder() != folder_state::in_place) throw switch_error(store_.folder() + ": the switch was removed");
+}
+
 void manager::look_after_swaps() {
   if (swaps_.empty()) return;
   swaps_.give_up_gone(peers_of(requests_.get()), now_ms());
+  swaps_.ask_again(now_ms());
   swaps_.give_up_late(now_ms());
 }
 

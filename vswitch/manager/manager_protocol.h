@@ -39,10 +39,10 @@
 //   swap_word0       the swap's number; swap_word4 of the response brings it back
 //   vsans            the VSANs that either interface is bound to
 //   swap_status      0, or why not, as the client likes
-//   Refused at check-lock: an unlock follows. Refused at do-swap: an unlock follows. Refused at unlock, or map not written:
-//   a do-swap the other way round and an unlock follow. The map stays as it was in all of them, and what the
-//   client says to the undoing is logged and nothing else; the order is answered when that is over. A client that does not
-//   answer within kSwapPatienceMs, or is gone, refuses. Nobody else can swap either interface meanwhile.
+//   Refused at check-lock or at do-swap: an unlock follows. Refused at unlock, not answered at do-swap (the client may do it
+//   yet), or map not written: a do-swap the other way round and an unlock follow. The map stays as it was in all of them, and
+//   what the client says to the undoing is logged and nothing else; the order is answered when that is over. A client that does
+//   not answer within kSwapPatienceMs, or is gone, refuses. Nobody else can swap either interface meanwhile.
 //   In the map each of the two has taken over the other's entry, but for the VSAN that its port is in; an interface that a
 //   number was bound to has the other number bound to it. Each port address keeps its port number.
 //

@@ -1,6 +1,7 @@
 #include "map_changes.h"
 
 #include <algorithm>
+#include <bitset>
 #include <iterator>
 #include <utility>
 
@@ -39,9 +40,12 @@ bool install_at(ficon_pmap_port_entry& entry, const install_request& request) {
 
 uint32_t install_vsans(const chassis_description& chassis, port_map& map, const install_request& request) {
   port_map changed = map;
+  std::bitset<FICON_PMAP_PORT_ENTRIES> done; // a message may name an interface thousands of times
   for (const uint32_t if_index : request.if_indexes) {
     const auto index = index_of(chassis, tables_of(map), if_index);
     if (!index) return FICON_RC_NO_IF;
+    if (done[*index]) continue;
+    done.set(*index);
     if (!install_at(changed.port_to_pn[*index], request)) return FICON_RC_PLATFORM;
   }
   map = changed;

@@ -10,8 +10,9 @@ namespace vswitch {
 
 outbox::outbox(msgq* handle, std::function<void(uint64_t, int)> on_loss) : handle_(handle), on_loss_(std::move(on_loss)) {}
 
+// A received message holds room for the longest one, whatever its own length is.
 size_t outbox::letter::bytes() const {
-  return payload.size() + msgq_payload_size(request.get()) + MSGQ_SLACK + sizeof(letter);
+  return payload.size() + MSGQ_MAX_PAYLOAD + MSGQ_SLACK + sizeof(letter);
 }
 
 // Returns 0 or an errno value.
@@ -25,8 +26,9 @@ int outbox::send(const letter& one) {
 void outbox::keep(uint64_t peer, letter one) {
   pile& waiting = waiting_[peer];
   const size_t bytes = one.bytes();
-  if (waiting.bytes + bytes > kWaitingBytes) return on_loss_(peer, ENOBUFS);
+  if (waiting.bytes + bytes > kWaitingBytes || waiting_bytes_ + bytes > kAllWaitingBytes) return on_loss_(peer, ENOBUFS);
   waiting.bytes += bytes;
+  waiting_bytes_ += bytes;
   waiting.letters.push_back(std::move(one));
 }
 
@@ -48,6 +50,7 @@ bool outbox::send_pile(uint64_t peer, pile& waiting) {
     if (error == EAGAIN) return false;
     if (error != 0) on_loss_(peer, error);
     waiting.bytes -= first.bytes();
+    waiting_bytes_ -= first.bytes();
     waiting.letters.pop_front();
   }
   return true;

@@ -20,8 +20,9 @@ struct message_release {
 };
 using owned_message = std::unique_ptr<msgq_message, message_release>;
 
-// What may wait for one receiver. One that asks on and on and never reads loses the answers beyond it.
-inline constexpr size_t kWaitingBytes = size_t{4} << 20;
+// What may wait for one receiver, and for all of them. Whoever asks on and on and never reads loses the answers beyond it.
+inline constexpr size_t kWaitingBytes = size_t{16} << 20;
+inline constexpr size_t kAllWaitingBytes = size_t{128} << 20;
 
 class outbox {
  public:
@@ -51,6 +52,7 @@ class outbox {
   msgq* handle_;
   std::function<void(uint64_t, int)> on_loss_;
   std::map<uint64_t, pile> waiting_; // by peer
+  size_t waiting_bytes_ = 0;
 };
 
 } // namespace vswitch

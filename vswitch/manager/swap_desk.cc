@@ -1,6 +1,7 @@
 #include "swap_desk.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 #include "interface_index.h"
@@ -35,18 +36,19 @@ void swap_desk::tell(const swap& one, const std::string& what, uint32_t result) 
 
 void swap_desk::begin(msgq_message* order, uint64_t peer, uint32_t if_index_a, uint32_t if_index_b, const vsan_block& vsans,
                       int64_t now_ms) {
-  swaps_.push_back({++last_number_, peer, order, if_index_a, if_index_b, vsans, {}, 0});
+  swaps_.push_back({++last_number_, peer, order, if_index_a, if_index_b, vsans, {}, 0, false});
   tell(swaps_.back(), "ordered", 0);
   move_on(swaps_.back(), {}, now_ms);
   forget_done();
 }
 
-bool swap_desk::ask(const swap& one) const {
+swap_desk::reached swap_desk::ask(const swap& one) const {
   const auto question = question_in(one.state.phase);
   const auto request = swap_request(*question, one.number, one.if_index_a, one.if_index_b, one.vsans);
-  const bool asked = surroundings_.ask(one.peer, question->opcode, request);
-  tell(one, std::string(question->name) + (asked ? " asked" : " not asked, the client cannot be reached"), 0);
-  return asked;
+  const int error = surroundings_.ask(one.peer, question->opcode, request);
+  if (error == EAGAIN) return reached::not_yet;
+  tell(one, std::string(question->name) + (error == 0 ? " asked" : " not asked, the client cannot be reached"), 0);
+  return error == 0 ? reached::yes : reached::no;
 }
 
 // Goes as far as nobody has to be waited for.
@@ -54,12 +56,14 @@ void swap_desk::move_on(swap& one, const swap_state& next, int64_t now_ms) {
   one.state = next;
   one.deadline_ms = now_ms + patience_ms_;
   while (one.state.phase != swap_phase::done) {
-    if (one.state.phase == swap_phase::map)
+    if (one.state.phase == swap_phase::map) {
       one.state = after_map(one.state, surroundings_.write(one.if_index_a, one.if_index_b));
-    else if (ask(one))
-      return;
-    else
-      one.state = after_silence(one.state);
+      continue;
+    }
+    const reached client = ask(one);
+    one.asked = client == reached::yes;
+    if (client != reached::no) return;
+    one.state = after_silence(one.state);
   }
   tell(one, one.state.result.result == 0 ? "done" : "not done", one.state.result.result);
   surroundings_.answer(std::exchange(one.order, nullptr), one.state.result);
@@ -77,6 +81,22 @@ bool swap_desk::respond(uint64_t peer, const ficon_if_swap_resp& response, int64
   move_on(*found, after_response(found->state, response.swap_status), now_ms);
   forget_done();
   return true;
+}
+
+bool swap_desk::has_unasked() const {
+  return std::any_of(swaps_.begin(), swaps_.end(), [](const swap& one) { return !one.asked; });
+}
+
+// The deadline of the question stays.
+void swap_desk::ask_again(int64_t now_ms) {
+  for (swap& one : swaps_) {
+    if (one.asked) continue;
+    const int64_t deadline_ms = one.deadline_ms;
+    const swap_phase phase = one.state.phase;
+    move_on(one, one.state, now_ms);
+    if (one.state.phase == phase) one.deadline_ms = deadline_ms;
+  }
+  forget_done();
 }
 
 void swap_desk::give_up_late(int64_t now_ms) {

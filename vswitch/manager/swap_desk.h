@@ -17,8 +17,8 @@
 namespace vswitch {
 
 struct swap_surroundings {
-  // Asks the client; false when it cannot be reached.
-  std::function<bool(uint64_t peer, uint32_t opcode, const ficon_if_swap_req& request)> ask;
+  // Asks the client. Returns 0; EAGAIN, it has no room now; another errno value, it cannot be reached.
+  std::function<int(uint64_t peer, uint32_t opcode, const ficon_if_swap_req& request)> ask;
   // Swaps the two interfaces in the port map; false when it could not be written.
   std::function<bool(uint32_t if_index_a, uint32_t if_index_b)> write;
   // Answers an order, which is then no longer the desk's.
@@ -41,11 +41,13 @@ class swap_desk {
   // A client's response; whether a swap was waiting for it.
   bool respond(uint64_t peer, const ficon_if_swap_resp& response, int64_t now_ms);
 
+  void ask_again(int64_t now_ms);                                       // those who had no room
   void give_up_late(int64_t now_ms);                                    // swaps whose client did not answer in time
   void give_up_gone(std::span<const uint64_t> present, int64_t now_ms); // or is no longer there; present: ascending
   void give_up_all();                                                   // the manager ends: nothing is waited for
 
   bool empty() const { return swaps_.empty(); }
+  bool has_unasked() const; // somebody has to be asked again
   std::optional<int64_t> next_deadline_ms() const;
 
  private:
@@ -58,12 +60,14 @@ class swap_desk {
     vsan_block vsans;
     swap_state state;
     int64_t deadline_ms;
+    bool asked;
   };
 
   bool holds(uint32_t if_index) const;
   std::string name_of(const swap& one) const;
   void tell(const swap& one, const std::string& what, uint32_t result) const;
-  bool ask(const swap& one) const;
+  enum class reached { yes, no, not_yet };
+  reached ask(const swap& one) const;
   void move_on(swap& one, const swap_state& next, int64_t now_ms);
   void forget_done();
 

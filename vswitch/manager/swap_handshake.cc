@@ -12,18 +12,20 @@ struct phase_row {
   swap_step step;         // kNoStep: nobody can refuse any more
   swap_phase if_agreed;
   swap_phase if_refused;
+  swap_phase if_silent;
 };
 
 using enum swap_phase;
 constexpr phase_row kPhases[] = {
-    // phase       question                               step            if agreed     if refused
-    {check_lock, {kOpSwapCheckLock, false, "check-lock"}, kStepCheckLock, do_swap, unlock_again},
-    {do_swap, {kOpSwapDoSwap, false, "do-swap"}, kStepDoSwap, unlock, unlock_again},
-    {unlock, {kOpSwapUnlock, false, "unlock"}, kStepUnlock, map, swap_back},
-    {map, {0, false, "map"}, kStepMap, done, swap_back},
-    {swap_back, {kOpSwapDoSwap, true, "do-swap back"}, kNoStep, unlock_again, unlock_again},
-    {unlock_again, {kOpSwapUnlock, false, "unlock after all"}, kNoStep, done, done},
-    {done, {0, false, "done"}, kNoStep, done, done},
+    // phase       question                               step            if agreed     if refused    if silent
+    {check_lock, {kOpSwapCheckLock, false, "check-lock"}, kStepCheckLock, do_swap, unlock_again, unlock_again},
+    // Who refuses has not swapped; who is silent may do it yet.
+    {do_swap, {kOpSwapDoSwap, false, "do-swap"}, kStepDoSwap, unlock, unlock_again, swap_back},
+    {unlock, {kOpSwapUnlock, false, "unlock"}, kStepUnlock, map, swap_back, swap_back},
+    {map, {0, false, "map"}, kStepMap, done, swap_back, swap_back},
+    {swap_back, {kOpSwapDoSwap, true, "do-swap back"}, kNoStep, unlock_again, unlock_again, unlock_again},
+    {unlock_again, {kOpSwapUnlock, false, "unlock after all"}, kNoStep, done, done, done},
+    {done, {0, false, "done"}, kNoStep, done, done, done},
 };
 
 const phase_row& row_of(swap_phase phase) {
@@ -41,10 +43,10 @@ swap_state agreed(const swap_state& state) {
   return {row_of(state.phase).if_agreed, state.result};
 }
 
-swap_state refused(const swap_state& state, uint32_t swap_status) {
-  const phase_row& row = row_of(state.phase);
-  if (row.step == kNoStep) return agreed(state);
-  return {row.if_refused, {FICON_RC_PLATFORM, row.step, swap_status}};
+swap_state failed(const swap_state& state, swap_phase next, uint32_t swap_status) {
+  const swap_step step = row_of(state.phase).step;
+  if (step == kNoStep) return {next, state.result};
+  return {next, {FICON_RC_PLATFORM, step, swap_status}};
 }
 
 } // namespace
@@ -60,15 +62,15 @@ std::optional<swap_question> question_in(swap_phase phase) {
 }
 
 swap_state after_response(const swap_state& state, uint32_t swap_status) {
-  return swap_status == 0 ? agreed(state) : refused(state, swap_status);
+  return swap_status == 0 ? agreed(state) : failed(state, row_of(state.phase).if_refused, swap_status);
 }
 
 swap_state after_silence(const swap_state& state) {
-  return refused(state, 0);
+  return failed(state, row_of(state.phase).if_silent, 0);
 }
 
 swap_state after_map(const swap_state& state, bool written) {
-  return written ? agreed(state) : refused(state, 0);
+  return written ? agreed(state) : failed(state, row_of(state.phase).if_refused, 0);
 }
 
 ficon_if_swap_req swap_request(const swap_question& question, uint32_t number, uint32_t if_index_a, uint32_t if_index_b,
