@@ -515,7 +515,7 @@ TEST_F(Message, EncodedLinesCanBeDecoded) {
   EXPECT_EQ(encode({"ifvsan-query", "arg_a=10", "if_index=fc3/5"}).out, "00000000 00000000 0000000A 01020400 00000000\n");
 }
 
-// As hexdump -C prints it, and as another widespread tool does.
+// As hexdump -C prints it, and as other widespread tools do.
 TEST_F(Message, DumpsAreUnderstood) {
   write("bars",
         "00000000  00 00 00 00 00 00 00 03  00 00 00 0a 01 02 04 00  |................|\n"
@@ -524,7 +524,9 @@ TEST_F(Message, DumpsAreUnderstood) {
   write("colons",
         "00000000: 0000 0000 0000 0003 0000 000a 0102 0400  ................\n"
         "00000010: 0000 007c                                face\n");
-  for (const char* dump : {"bars", "colons"}) {
+  write("od", "000000 00 00 00 00 00 00 00 03 00 00 00 0a 01 02 04 00\n000010 00 00 00 7c\n000014\n");
+  write("packet", "\t0x0000:  0000 0000 0000 0003 0000 000a 0102 0400  ................\n\t0x0010:  0000 007c  ...|\n");
+  for (const char* dump : {"bars", "colons", "od", "packet"}) {
     auto result = shell(std::string("chnsw message decode ifvsan-answer - --format json < ") + dump);
     ASSERT_EQ(result.status, 0) << result.err;
     auto rows = parse_json(result.out);
@@ -533,6 +535,14 @@ TEST_F(Message, DumpsAreUnderstood) {
     EXPECT_EQ(rows[4]["number"], 124);
     EXPECT_EQ(rows[4]["bytes"], "0000007C");
   }
+}
+
+// Six digits before bytes of two are an offset only where a dump begins, at 0.
+TEST_F(Message, LongWordsAreBytes) {
+  write("bytes", "010203 04\n05\n");
+  auto result = shell("chnsw message decode enable-notice - --format json < bytes");
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(parse_json(result.out)[0]["bytes"], "01020304");
 }
 
 TEST_F(Message, RepeatedLinesOfADumpAreFilledIn) {

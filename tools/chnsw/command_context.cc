@@ -25,7 +25,7 @@ const std::string& command_context::named_folder(const std::string& reason) cons
 }
 
 void notice(const std::string& text) {
-  fmt::print(stderr, "chnsw: {}\n", text);
+  std::fputs(fmt::format("chnsw: {}\n", text).c_str(), stderr); // a full disk does not end the command
 }
 
 } // namespace chnsw_tool

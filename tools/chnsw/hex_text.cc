@@ -18,7 +18,8 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r";
 constexpr std::string_view kSeparators = " \t\r,:";
-constexpr size_t kOffsetDigits = 4; // at least, before a colon
+constexpr size_t kOffsetDigits = 4;   // at least, before a colon
+constexpr size_t kOdOffsetDigits = 6; // of "od -A x"
 
 bool are_digits(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
@@ -64,16 +65,25 @@ class dump_reader {
     throw usage_error(has_lines_ ? fmt::format("line {}: {}", line_, why) : why);
   }
 
-  // "00000010:", or "00000010" where the characters stand between bars; what follows the bytes is cut off.
+  // "00000010:" or "0x0010:"; "00000010" where the characters stand between bars; "000010" before bytes of two digits, or alone
+  // on the last line. What follows the bytes is cut off.
   std::optional<uint64_t> take_offset(std::string_view& line) {
     std::string_view rest = line;
     std::string_view word = take_word(rest, kBlanks);
     const bool has_colon = word.ends_with(':');
     if (has_colon) word.remove_suffix(1);
-    if (!are_digits(word) || word.size() < kOffsetDigits || !(has_colon || has_characters_)) return std::nullopt;
+    if (has_colon && word.starts_with("0x")) word.remove_prefix(2);
+    if (!are_digits(word) || word.size() < kOffsetDigits) return std::nullopt;
+    if (!has_colon && !has_characters_ && !(word.size() == kOdOffsetDigits && stands_before_bytes(word, rest)))
+      return std::nullopt;
     line = rest.substr(std::min(rest.size(), rest.find_first_not_of(kBlanks)));
     if (has_colon) line = line.substr(0, line.find("  "));
     return number_of(word);
+  }
+
+  bool stands_before_bytes(std::string_view offset, std::string_view rest) const {
+    const std::string_view next = take_word(rest, kBlanks);
+    return has_lines_ && (is_dump_ || number_of(offset) == 0) && (next.size() == 2 || (next.empty() && is_dump_));
   }
 
   void go_to(uint64_t offset) {

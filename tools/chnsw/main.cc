@@ -1,6 +1,7 @@
 // chnsw: asks a virtual switch's port map the way the switch itself would be asked.
 #include <fmt/format.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <string_view>
@@ -35,7 +36,7 @@ exit_code run(int argc, char** argv, result_stream& results) {
 
 void tell(const tool_error& error) {
   if (error.names_place())
-    fmt::print(stderr, "{}\n", error.what());
+    std::fputs(fmt::format("{}\n", error.what()).c_str(), stderr);
   else if (*error.what() != '\0')
     notice(error.what());
 }

@@ -64,10 +64,8 @@ class swap_client {
   swap_client(manager_client& manager, const swap_options& options, row_stream& rows)
       : manager_(manager), rows_(rows), refuse_(options.refuse), reason_(options.reason) {}
 
-  // Orders the swap and answers every step until the manager says how it ended.
-  vswitch::swap_result swap(uint32_t a, uint32_t b) {
-    const vswitch::swap_order order = {hton_if_index(a), hton_if_index(b)};
-    manager_.send(vswitch::kOpSwap, &order, sizeof order);
+  // Answers every step of the swap that was ordered until the manager says how it ended.
+  vswitch::swap_result see_through(uint32_t a, uint32_t b) {
     while (true) {
       auto message = manager_.receive();
       if (msgq_is_reply(message.get()) != 0) return end_of_swap(a, b, message.get());
@@ -114,9 +112,11 @@ exit_code swap_interfaces(const command_context& context, const swap_options& op
   const uint32_t a = parse_interface(options.a);
   const uint32_t b = parse_interface(options.b);
   manager_client manager(context, options.timeout_seconds);
+  const vswitch::swap_order order = {hton_if_index(a), hton_if_index(b)};
+  manager.send(vswitch::kOpSwap, &order, sizeof order);
   row_stream rows(context, swap_columns());
   vswitch::swap_result result{};
-  rows.fill([&] { result = swap_client(manager, options, rows).swap(a, b); });
+  rows.fill([&] { result = swap_client(manager, options, rows).see_through(a, b); });
   return result.result == 0 ? kFound : kNotFound;
 }
 
