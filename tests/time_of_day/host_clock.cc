@@ -19,8 +19,8 @@ extern "C" int gettimeofday(timeval* time, void* zone) noexcept {
   const chnsw_test::host_clock& clock = chnsw_test::the_host_clock();
   chnsw_test::the_platform().record(chnsw_test::programmable_platform::kind::work,
                                     zone == nullptr ? "gettimeofday(no zone)" : "gettimeofday(zone)");
-  time->tv_sec = clock.seconds;
-  time->tv_usec = clock.microseconds;
+  time->tv_sec = static_cast<time_t>(clock.seconds);
+  time->tv_usec = static_cast<suseconds_t>(clock.microseconds);
   if (clock.readable) return 0;
   errno = EINVAL;
   return -1;
