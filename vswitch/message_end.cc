@@ -26,6 +26,12 @@ constexpr unsigned kLongestPause = 16;
 constexpr size_t kMaxLost = 4;
 constexpr int kPauseMs = 100;
 
+// Why a call of the system failed; 0 would be a success to whoever is told.
+int reason_of_failure() noexcept {
+  const int reason = errno;
+  return reason != 0 ? reason : EIO;
+}
+
 descriptor make_spare() noexcept {
   return descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
 }
@@ -96,7 +102,7 @@ message_end::connection* message_end::find(uint64_t number) noexcept {
 int message_end::connect_anew(uint32_t service_point, connection*& made) {
   connection fresh;
   fresh.socket = connect_to_point(folder_, service_point);
-  if (!fresh.socket.open()) return errno;
+  if (!fresh.socket.open()) return reason_of_failure();
   fresh.number = ++last_number_;
   fresh.service_point = service_point;
   if (int error = watch(fresh.socket, fresh.number)) return error;
@@ -301,7 +307,7 @@ int message_end::watch(const descriptor& watched, uint64_t number) noexcept {
   epoll_event event{};
   event.events = EPOLLIN;
   event.data.u64 = number;
-  return epoll_ctl(events_.number(), EPOLL_CTL_ADD, watched.number(), &event) == 0 ? 0 : errno;
+  return epoll_ctl(events_.number(), EPOLL_CTL_ADD, watched.number(), &event) == 0 ? 0 : reason_of_failure();
 }
 
 // Newcomers that there is no descriptor for are tried again after a while, or as soon as anything else happens.
