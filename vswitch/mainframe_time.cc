@@ -52,8 +52,8 @@ bool take(std::string_view& text, char character) {
 
 // "09", and up to a highest number.
 std::optional<int> take_two(std::string_view& text, int highest) {
-  auto number = take_number(text, 2);
-  return number && *number <= highest ? number : std::nullopt;
+  const int number = take_number(text, 2).value_or(highest + 1);
+  return number <= highest ? std::optional(number) : std::nullopt;
 }
 
 // The fraction behind a point, in microseconds.
