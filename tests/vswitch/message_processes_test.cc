@@ -161,14 +161,14 @@ TEST_F(MessageProcesses, OfManyStartersOneServes) {
       starters.push_back(std::make_unique<other_process>([](const other_process::line& parent) {
         parent.say();
         parent.wait();
-        msgq* served = msgq_open(kPoint);
-        const int result = served != nullptr ? 1 : errno == EADDRINUSE ? 0 : 50;
+        const end served(msgq_open(kPoint));
+        const int result = served ? 1 : errno == EADDRINUSE ? 0 : 50;
         parent.say();
         parent.wait(); // until all have tried
-        if (served == nullptr) return result;
-        msgq_message* received = nullptr;
-        if (msgq_receive(served, &received, kLongEnoughMs) != 1) return 51;
-        return msgq_send(served, nullptr, 0, nullptr, 0, 0, received, 0) == 0 ? result : 52;
+        if (!served) return result;
+        const message received = receive(served);
+        if (!received) return 51;
+        return reply(served, received, "") == 0 ? result : 52;
       }));
     for (const auto& each : starters) each->wait();
     for (const auto& each : starters) each->say();
@@ -259,7 +259,7 @@ TEST_F(MessageProcesses, ServerIsGoneWhenItIsKilledAlsoIfAChildOfItLivesOn) {
   parent_of_child.kill_at_once();
   EXPECT_EQ(receive_error(client, kLongEnoughMs), ECONNRESET);
   EXPECT_EQ(kill(child, 0), 0) << "it is there";
-  EXPECT_NE(msgq_open(kPoint), nullptr);
+  EXPECT_NE(end(msgq_open(kPoint)), nullptr);
   kill(child, SIGKILL);
 }
 
