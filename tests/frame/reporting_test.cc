@@ -97,6 +97,18 @@ TEST_F(ErrorReport, GoesToTheDebugOutputEvenWhenFiltered) {
   EXPECT_THAT(platform.debug_output(), SizeIs(1));
 }
 
+TEST_F(ErrorReport, TakesAnyAnswerButZeroForAFilterAndForAFlag) {
+  platform.filtered_subtypes = {102};
+  platform.filter_answer = -1;
+  platform.debug_flags = {102};
+  platform.flag_answer = -1;
+
+  provoke();
+
+  EXPECT_THAT(platform.history(), IsEmpty());
+  EXPECT_THAT(platform.debug_output(), SizeIs(1));
+}
+
 TEST_F(ErrorReport, IgnoresTheFilterOfTraces) {
   platform.filtered_subtypes = {103};
   provoke();

@@ -109,6 +109,21 @@ TEST_F(MessageHeader, CodeIsStoredBeforeTheTextsAndKindAfterThem) {
   EXPECT_EQ(bytes_of(header), record(112).u32(0, 0x61616161).u32(4, 0x62626262).text(12, text1).get());
 }
 
+TEST_F(MessageHeader, KindIsStoredAfterTheSecondText) {
+  ficon_cmi_hdr header = {};
+  header.kind = 0x63636363;
+  ficon_init_cmi_hdr(&header, 1, nullptr, reinterpret_cast<const char*>(&header.kind), 2);
+  EXPECT_EQ(bytes_of(header), record(112).u32(0, 1).u32(4, 2).text(52, "cccc").get());
+}
+
+// The rest of a field is cleared when its text is there.
+TEST_F(MessageHeader, TextCanComeFromFurtherBackInItsOwnField) {
+  ficon_cmi_hdr header = {};
+  ficon_init_cmi_hdr(&header, 1, "0123456789tail", nullptr, 2);
+  ficon_init_cmi_hdr(&header, 1, header.text1 + 10, nullptr, 2);
+  EXPECT_EQ(bytes_of(header), record(112).u32(0, 1).u32(4, 2).text(12, "tail").get());
+}
+
 TEST_F(MessageHeader, AsksNothingOfThePlatform) {
   filled(1, "a", "b", 2);
   EXPECT_THAT(platform.all_calls(), IsEmpty());

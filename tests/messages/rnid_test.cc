@@ -240,6 +240,8 @@ TEST_F(RnidAnswer, OutputsAreFilledInAnOrderOfTheirOwn) {
   const auto filled = [&] { return field_at<uint32_t>(bytes_of(words), 0); };
   ficon_parse_get_rnid(&message, words, nullptr, nullptr, nullptr, nullptr, words, nullptr);
   EXPECT_EQ(filled(), 0x778899AAu);
+  ficon_parse_get_rnid(&message, nullptr, object_at<uint16_t>(words, 0), nullptr, nullptr, nullptr, words, nullptr);
+  EXPECT_EQ(filled(), 0x778899AAu);
   ficon_parse_get_rnid(&message, nullptr, halves, nullptr, nullptr, nullptr, nullptr, halves);
   EXPECT_EQ(bytes_of(halves), descriptor_bytes(kDescriptor));
   ficon_parse_get_rnid(&message, nullptr, nullptr, nullptr, nullptr, nullptr, words, words);

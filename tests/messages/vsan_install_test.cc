@@ -313,11 +313,37 @@ TEST_F(VsanInstallMessage, OneBitIsItsVsan) {
   }
 }
 
-TEST_F(VsanInstallMessage, EveryVsanOfAWordIsToldApart) {
-  for (int32_t expected = 1024; expected < 1056; ++expected) {
+TEST_F(VsanInstallMessage, EveryVsanIsToldApart) {
+  for (int32_t expected = 0; expected < 4096; ++expected) {
     EXPECT_EQ(parse(record(521).u8(5 + static_cast<size_t>(expected) / 8, static_cast<uint8_t>(0x80 >> expected % 8))), 0u);
     EXPECT_EQ(single, 1);
     EXPECT_EQ(vsan, expected);
+    start_again();
+  }
+}
+
+TEST_F(VsanInstallMessage, OneVsanInEachOfTwoWordsIsASet) {
+  for (size_t first = 0; first < 32; ++first) {
+    for (size_t second = first + 1; second < 32; ++second) {
+      EXPECT_EQ(parse(record(521).u8(5 + 4 * first, 0x10).u8(5 + 4 * second, 0x10)), 0u);
+      EXPECT_EQ(single, 0);
+      EXPECT_EQ(vsan, 0);
+      start_again();
+    }
+  }
+}
+
+TEST_F(VsanInstallMessage, ManyVsansInARowAndOneFarFromThemAreASet) {
+  record first_ones = record(521).u8(5 + 500, 0x10);
+  record last_ones = record(521).u8(5, 0x10);
+  for (size_t byte = 0; byte < 64; ++byte) {
+    first_ones.u8(5 + byte, 0xFF);
+    last_ones.u8(5 + 448 + byte, 0xFF);
+  }
+  for (const record& payload : {first_ones, last_ones}) {
+    EXPECT_EQ(parse(payload), 0u);
+    EXPECT_EQ(single, 0);
+    EXPECT_EQ(vsan, 0);
     start_again();
   }
 }

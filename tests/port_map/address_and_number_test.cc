@@ -270,6 +270,11 @@ TEST_P(NumberChoice, LargestSixteenBitNumberMatches) {
   EXPECT_EQ(translate(0xFFFF), (outcome{0, 103, 1}));
 }
 
+TEST_P(NumberChoice, ZeroIsANumberLikeAnyOther) {
+  carry(3, 0, {20}, 20);
+  EXPECT_EQ(translate(0), (outcome{0, 103, 1}));
+}
+
 TEST_P(NumberChoice, NoNumberMarkIsANumberLikeAnyOther) {
   know_ports(600);
   for (size_t i = 0; i < 1280; ++i) carry(i, 1, {20}, 20);
@@ -715,6 +720,26 @@ TEST_F(PaToPn, TracesTheFastPathMarkAsItIs) {
   EXPECT_EQ(platform.traces().at(1),
             "ficon_pmap_get_pa_to_pn_withpvsan(1890): Count(1) Bound(1) Bound PN(105) Vsan(20) In Vsan(1) gvp(5) "
             "vsan_pn(105)\n");
+}
+
+TEST_F(PaToPn, TracesEveryNumberInDecimal) {
+  for (size_t index = 10; index < 22; ++index) {
+    map.entry(index, static_cast<uint16_t>(100 + index), 10, {20, 11, 12, 13, 14, 15, 16, 17}, 20);
+  }
+  cache_map(16);
+  ficon_pmap_get_pa_to_pn_withpvsan(10, &vsan, &pn, &flag, 1);
+  EXPECT_EQ(platform.traces().at(0),
+            "ficon_pmap_get_pa_to_pn_withpvsan(1861) pn(121) pa(10) (21) vsans(20 11 12 13 14 15 16 17)\n");
+  EXPECT_EQ(platform.traces().at(12),
+            "ficon_pmap_get_pa_to_pn_withpvsan(1890): Count(12) Bound(12) Bound PN(110) Vsan(20) In Vsan(12) gvp(16) "
+            "vsan_pn(110)\n");
+}
+
+TEST_F(PaToPn, NegativeFastPathMarkMeansTheVsanTableToo) {
+  map.entry(3, 103, 10, {30}, 20).entry(5, 105, 10, {20}, 30);
+  cache_map(-1);
+  EXPECT_EQ(ficon_pmap_get_pa_to_pn_withpvsan(10, &vsan, &pn, &flag, 1), 0u);
+  EXPECT_EQ(pn, 103);
 }
 
 TEST_F(PaToPn, TracesWithoutTheVsanTableOnlyWhatIsBound) {

@@ -16,7 +16,6 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::IsNull;
-using ::testing::MatchesRegex;
 using ::testing::SizeIs;
 
 constexpr uint32_t kBase = 0x40850000;
@@ -225,13 +224,17 @@ TEST_F(DefaultNumbering, OfATenSlotChassisOfTypeThirtyTwoPrintsAndIsNotItsOwnDef
 TEST_F(DefaultNumbering, OfATenSlotChassisOfAnotherTypePrintsToo) {
   platform.set_chassis(10, -7);
   EXPECT_EQ(output_of([&] { EXPECT_EQ(init(), 224); }), "chassis_type: -7\nnum_slots:    10\n");
+  platform.set_chassis(10, 38);
+  EXPECT_EQ(output_of([&] { EXPECT_EQ(init(), 224); }), "chassis_type: 38\nnum_slots:    10\n");
 }
 
 TEST_F(DefaultNumbering, OfEveryOtherChassisPrintsNothing) {
   for (int num_slots = 0; num_slots <= 255; ++num_slots) {
     if (num_slots == 10) continue;
-    platform.set_chassis(num_slots, 32);
-    ASSERT_EQ(output_of([&] { init(); }), "") << num_slots << " slots";
+    for (const int32_t type : types_worth_trying(num_slots)) {
+      platform.set_chassis(num_slots, type);
+      ASSERT_EQ(output_of([&] { init(); }), "") << num_slots << " slots, type " << type;
+    }
   }
 }
 
@@ -241,16 +244,14 @@ TEST_F(DefaultNumbering, AsksThePlatformForBothAndMakesOneTrace) {
   EXPECT_EQ(init(), 240);
 
   EXPECT_THAT(platform.calls(), ElementsAre("get_platform_info()", "hwinv_get_chassis_type(-1)"));
-  EXPECT_THAT(platform.traces(),
-              ElementsAre(MatchesRegex("ficon_port_to_pn_init\\([0-9]+\\): Num Slots: 6 Chassis Type: 34\n")));
+  EXPECT_THAT(platform.traces(), ElementsAre("ficon_port_to_pn_init(1602): Num Slots: 6 Chassis Type: 34\n"));
   EXPECT_THAT(platform.errors(), IsEmpty());
 }
 
 TEST_F(DefaultNumbering, MakesTheTraceForAnUnknownChassisToo) {
   platform.set_chassis(200, -1);
   EXPECT_EQ(init(), 0);
-  EXPECT_THAT(platform.traces(),
-              ElementsAre(MatchesRegex("ficon_port_to_pn_init\\([0-9]+\\): Num Slots: 200 Chassis Type: -1\n")));
+  EXPECT_THAT(platform.traces(), ElementsAre("ficon_port_to_pn_init(1602): Num Slots: 200 Chassis Type: -1\n"));
 }
 
 TEST_F(DefaultNumbering, NeitherUsesNorFillsTheCachedPlatformRecord) {
@@ -364,6 +365,12 @@ TEST_F(DefaultAddresses, AreThePlacesOfTheNumbers) {
   EXPECT_EQ(table[5], make_entry(5, 2));
   EXPECT_EQ(table[9], make_entry(9, 512));
   EXPECT_EQ(table[40], make_entry(512, 512));
+}
+
+TEST_F(DefaultAddresses, CanBeASingleOne) {
+  init_with({5});
+  EXPECT_EQ(table[5], make_entry(5, 0));
+  EXPECT_EQ(table[4], make_entry(4, 512));
 }
 
 TEST_F(DefaultAddresses, AreTheLowestOfSeveral) {
@@ -502,19 +509,22 @@ TEST_F(IsDefaultNumbering, HoldsForEveryTypeWithoutARowOfItsOwn) {
 
 TEST_F(IsDefaultNumbering, FailsAtEveryEntryThatIsLookedAtAndAtNoOther) {
   for (const auto& row : kIsDefaultRows) {
-    platform.set_chassis(row.num_slots, type_of(row));
     entries table = table_of(row);
-    for (size_t i = 0; i < table.size(); ++i) {
-      const bool looked_at = i < row.groups * row.length || i >= 1024;
-      const uint16_t pn = table[i].pn;
-      for (const int by : {1, -1}) {
-        table[i].pn = static_cast<uint16_t>(pn + by);
-        ASSERT_EQ(ficon_port_to_pn_is_default(table.data()), looked_at ? 0 : 1)
-            << row.num_slots << " slots, type " << type_of(row) << ", entry " << i;
+    for (const int32_t type : {type_of(row), 32, 38}) {
+      if (row.chassis_type != kAnyType && type != row.chassis_type) continue;
+      platform.set_chassis(row.num_slots, type);
+      for (size_t i = 0; i < table.size(); ++i) {
+        const bool looked_at = i < row.groups * row.length || i >= 1024;
+        const uint16_t pn = table[i].pn;
+        for (const int by : {1, -1}) {
+          table[i].pn = static_cast<uint16_t>(pn + by);
+          ASSERT_EQ(ficon_port_to_pn_is_default(table.data()), looked_at ? 0 : 1)
+              << row.num_slots << " slots, type " << type << ", entry " << i;
+        }
+        table[i].pn = pn;
       }
-      table[i].pn = pn;
+      platform.forget_calls();
     }
-    platform.forget_calls();
   }
 }
 
@@ -526,6 +536,32 @@ TEST_F(IsDefaultNumbering, NeverHoldsForANineSlotChassis) {
   EXPECT_EQ(ficon_port_to_pn_is_default(table.data()), 0);
   for (size_t k = 8; k < 22; ++k) table[1016 + k].pn = static_cast<uint16_t>(128 + k); // the groups on top
   EXPECT_EQ(ficon_port_to_pn_is_default(table.data()), 0);
+}
+
+// Nor is an entry behind the 1778 that a client has to have looked at, whatever the others hold.
+TEST_F(IsDefaultNumbering, OfANineSlotChassisNeverHoldsForNeighbouringLayouts) {
+  for (const size_t groups : {6u, 7u, 8u, 32u}) {
+    for (const size_t pns : {7u, 31u, 32u, 33u, 254u}) {
+      for (const size_t length : {32u, 224u, 253u, 254u, 255u}) {
+        for (const uint16_t first_extra : std::initializer_list<uint16_t>{0, 223, 224, 225, 254}) {
+          entries table(1778, make_entry(512, 512));
+          for (size_t k = 0; k < 14; ++k) table[1024 + k].pn = static_cast<uint16_t>(first_extra + k);
+          const entries extra_numbers_only = table;
+          for (size_t i = 0; i < std::min(groups * length, table.size()); ++i) {
+            table[i].pn = static_cast<uint16_t>(i % length < pns ? i / length * pns + i % length : 512);
+          }
+          entries groups_below = table;
+          std::copy_n(extra_numbers_only.begin() + 1024, 14, groups_below.begin() + 1024);
+          for (const int32_t type : {0, 32, 38}) {
+            platform.set_chassis(9, type);
+            platform.forget_calls();
+            ASSERT_EQ(ficon_port_to_pn_is_default(table.data()), 0) << groups << ' ' << pns << ' ' << length;
+            ASSERT_EQ(ficon_port_to_pn_is_default(groups_below.data()), 0) << groups << ' ' << pns << ' ' << length;
+          }
+        }
+      }
+    }
+  }
 }
 
 // Oddity: it expects eight groups of 48, which the laying out never writes.
@@ -571,6 +607,14 @@ TEST_F(IsDefaultNumbering, NeverHoldsForOtherSlotCounts) {
       ASSERT_EQ(ficon_port_to_pn_is_default(table.data()), 0) << num_slots << " slots, type " << type;
     }
   }
+}
+
+// Not even for numbers without a port that begin at 0.
+TEST_F(IsDefaultNumbering, NeverHoldsForAnUnknownChassisWhateverItsNumbers) {
+  platform.set_chassis(3, 5);
+  entries table(1038, make_entry(512, 512));
+  for (size_t k = 0; k < 14; ++k) table[1024 + k].pn = static_cast<uint16_t>(k);
+  EXPECT_EQ(ficon_port_to_pn_is_default(table.data()), 0);
 }
 
 TEST_F(IsDefaultNumbering, AsksThePlatformForBothAndTellsNothing) {
@@ -786,6 +830,25 @@ TEST_F(DefaultNumbersOfASlot, ChooseTheRowByTheFreshPlatformRecord) {
   platform.set_chassis(13, 0);
   EXPECT_EQ(ask(7), 0u); // slot 6 from 0 is line card 4 of 10 slots, a supervisor's of 13
   EXPECT_EQ(pns, numbers(64, 16, 254));
+}
+
+// So a line card that the fresh one does not have can be asked for: the cached chassis has 16.
+TEST_F(DefaultNumbersOfASlot, EndWithTheCardsOfTheFreshPlatformRecord) {
+  for (const int num_slots : {1, 2, 6, 9, 10, 13, 18}) {
+    for (const int32_t type : kTypes) {
+      set_chassis(18, 0);
+      ask(1);
+      platform.set_chassis(num_slots, type);
+      const slot_row row = row_of(kSlotRows, num_slots, type);
+      for (int card = 0; card < 16; ++card) {
+        const int slot = card < 8 ? card + 1 : card + 3; // two supervisors behind the eighth
+        const auto first = static_cast<uint16_t>(card < row.cards ? card * row.pns : 0);
+        EXPECT_EQ(ask(static_cast<uint32_t>(slot)), 0u);
+        EXPECT_EQ(pns, numbers(first, card < row.cards ? row.pns : 0, 254))
+            << num_slots << " slots, type " << type << ", line card " << card;
+      }
+    }
+  }
 }
 
 TEST_F(DefaultNumbersOfASlot, AreRefusedWhenThePlatformInformationIsUnavailable) {

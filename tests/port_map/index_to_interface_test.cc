@@ -353,6 +353,14 @@ TEST_F(IndexToPhysicalInterface, InterfaceThatCannotBeBuiltIsReported) {
   EXPECT_EQ(platform.count("portidx_port_by_if_index"), 0);
 }
 
+TEST_F(IndexToPhysicalInterface, NegativeStatusOfTheInterfaceServiceIsAFailureToo) {
+  platform.fail_port_init(0, 5, -2);
+  const auto told = told_by([&] { EXPECT_EQ(find(5), 0xFFFFFFFEu); });
+  EXPECT_THAT(told, ElementsAre("error Failed to compute ifindex for index 5(0xfffffffe)\n",
+                                "printed FICON_ERR: Failed to compute ifindex for index 5(0xfffffffe)\n"));
+  EXPECT_EQ(platform.count("portidx_port_by_if_index"), 0);
+}
+
 TEST_F(IndexToPhysicalInterface, NullResultAddressIsHandedToTheInterfaceService) {
   const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_index_to_phyif(5, nullptr), 14u); });
   EXPECT_THAT(told, ElementsAre("error Failed to compute ifindex for index 5(0xe)\n",
@@ -374,6 +382,14 @@ TEST_F(IndexToPhysicalInterface, OtherFailureOfThePortIndexIsPassedOn) {
   EXPECT_THAT(told, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329353)\n"));
   EXPECT_EQ(if_index, 0u);
   EXPECT_EQ(platform.count("lagmap_get_port"), 0);
+}
+
+TEST_F(IndexToPhysicalInterface, SmallAndNegativeStatusesOfThePortIndexArePassedOnToo) {
+  for (const int status : {1, -1}) {
+    platform.interface(0x1000005).portidx_status = status;
+    EXPECT_EQ(find(5), static_cast<uint32_t>(status));
+    EXPECT_EQ(if_index, 0u);
+  }
 }
 
 // "portthats" is what log parsers match.

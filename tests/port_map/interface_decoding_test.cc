@@ -106,6 +106,15 @@ TEST_F(InterfaceDecoding, UnknownPortIsReportedWithSlotWrittenAndFlagCleared) {
   EXPECT_EQ(flag, 0u);
 }
 
+TEST_F(InterfaceDecoding, NegativeStatusesAreFailuresToo) {
+  platform.interface(kPort).slot_status = -2;
+  output_of([&] { EXPECT_EQ(decode(kPort), 0xFFFFFFFEu); });
+  platform.interface(kPort).type_status = -1;
+  output_of([&] { EXPECT_EQ(decode(kPort), 0xFFFFFFFFu); });
+  EXPECT_EQ(platform.count("if_index_get_slot"), 1);
+  EXPECT_EQ(platform.count("if_index_get_port"), 0);
+}
+
 TEST_F(InterfaceDecoding, FlagIsClearedBeforeTheSlotIsAsked) {
   uint32_t flag_then = kUntouched32;
   platform.on_call = [&](const std::string& call) {

@@ -121,6 +121,21 @@ TEST_F(NextInterface, MissingNumberOrMissingAddressOfTheNextCardEndsTheWalk) {
   EXPECT_EQ(result, kUntouched32);
 }
 
+// Only the mark is no number.
+TEST_F(NextInterface, NumbersAboveTheMarkAreNumbersToo) {
+  numbered({10});
+  map.entry(11, 513, 0xFFFF, {10});
+  EXPECT_EQ(next(kPort10), 0u);
+  EXPECT_EQ(result, physical_interface(0, 11));
+}
+
+TEST_F(NextInterface, NegativeStatusOfTheLookUpIsPassedOn) {
+  numbered({10, 11});
+  platform.interface(kPort10).type_status = -3;
+  output_of([&] { EXPECT_EQ(next(kPort10), 0xFFFFFFFDu); });
+  EXPECT_EQ(result, kUntouched32);
+}
+
 TEST_F(NextInterface, JumpsGoFromEachCardToTheFollowingOne) {
   numbered({254, 508, 762, 1016});
   EXPECT_EQ(next(physical_interface(1, 0)), 0u);
@@ -309,6 +324,13 @@ TEST_F(LastInterface, LooksUpFetchesThePortsAgainAndBuildsTheInterface) {
                                                            kPortFetch,
                                                            kSlotConversion,
                                                            {"if_index_phy_fc_port_init(3, 38, 0)"}})));
+}
+
+TEST_F(LastInterface, NegativeStatusOfTheLookUpIsPassedOn) {
+  numbered({10, 11});
+  platform.interface(kPort10).type_status = -3;
+  output_of([&] { EXPECT_EQ(last(kPort10), 0xFFFFFFFDu); });
+  EXPECT_EQ(result, kUntouched32);
 }
 
 TEST_F(LastInterface, LastPositionOfTheBlockIsLookedAt) {

@@ -191,6 +191,21 @@ TEST_F(InterfaceToNumber, UnknownPortIsReportedAndPassedOn) {
               ElementsAre("if_index_get_type(0x1000005)", "if_index_get_slot(0x1000005)", "if_index_get_port(0x1000005)"));
 }
 
+TEST_F(InterfaceToNumber, NegativeStatusesAreFailuresToo) {
+  platform.interface(kPort5).slot_status = -78;
+  auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(0xFFFFFFB2)); });
+  EXPECT_EQ(told.at(0), "error Failed to get slot for if_index 0x1000005 (-78)\n");
+  platform.interface(kPort5).type_status = -77;
+  told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(0xFFFFFFB3)); });
+  EXPECT_EQ(told.at(0), "error failed to get if type for if_index:0x1000005 (-77)\n");
+}
+
+TEST_F(InterfaceToNumber, PositiveStatusOfThePortIsAFailureToo) {
+  platform.interface(kPort5).port_status = 79;
+  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(79)); });
+  EXPECT_EQ(told.at(0), "error Failed to get port for if_index 0x1000005 (79)\n");
+}
+
 // ---- physical ports ----
 
 TEST_F(InterfaceToNumber, PhysicalPortYieldsItsWholeEntryAndIsTracedFromOne) {
@@ -580,6 +595,15 @@ TEST_F(InterfaceToNumberWrapper, FailureStoresNothing) {
   });
   EXPECT_EQ(number, kUntouched16);
   EXPECT_EQ(index, kUntouched32);
+}
+
+TEST_F(InterfaceToNumberWrapper, NegativeStatusStoresNothing) {
+  platform.interface(kPort5).type_status = -77;
+  output_of([&] {
+    EXPECT_EQ(ficon_pmap_get_if_to_pn(kPort5, &number), -77);
+    EXPECT_EQ(ficon_pmap_get_if_to_pa(kPort5, &number), -77);
+  });
+  EXPECT_EQ(number, kUntouched16);
 }
 
 // The core has found the number by then, but not the entry.

@@ -483,6 +483,13 @@ TEST_F(NumberToInterface, NumberCarriedOnlyByPortChannelMembersHasNoInterface) {
                                 "In Vsan(0) gvp(1) vsan_if(0)\n"));
 }
 
+TEST_F(NumberToInterface, TraceOfAMemberShowsTheNumberInDecimal) {
+  map.entry(5, 77, 7, {10}, 10);
+  platform.interface(0x1000005).channel = 1;
+  const auto told = told_by([&] { EXPECT_EQ(find(77).status, kNoIf); });
+  EXPECT_EQ(told.at(0), "trace Port Number:77 is associated with a port thats part of port-channel\n");
+}
+
 TEST_F(NumberToInterface, PortChannelMemberDoesNotMakeAnAnswerAmbiguous) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {10}, 10);
   platform.interface(0x1000005).channel = 3;
@@ -539,6 +546,18 @@ TEST_F(NumberToInterface, TraceOfACandidateShowsItsEightSlotsUnsigned) {
   const auto told = told_by([&] { EXPECT_EQ(find(7).status, 0u); });
   EXPECT_EQ(told.at(0),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(1 20 300 4000 0 6 7 65535)\n");
+}
+
+TEST_F(NumberToInterface, TracesShowEveryNumberInDecimal) {
+  const uint32_t vsan = 20;
+  for (size_t index = 10; index < 22; ++index) map.entry(index, 17, 7, {20, 11, 12, 13, 14, 15, 16, 18}, 20);
+  cache_map(16);
+  const auto told = told_by([&] { EXPECT_EQ(find_fast(17, &vsan), (found{kMultiIf, 0, 1})); });
+  EXPECT_EQ(told.at(0),
+            "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(17) inst if(0x1000015) vsans(20 11 12 13 14 15 16 18)\n");
+  EXPECT_EQ(told.at(12),
+            "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(12) Bound(12) Bound If(0x100000a) Vsan(20) In Vsan(12) "
+            "gvp(16) vsan_if(0x100000a)\n");
 }
 
 // ---- reading the VSAN ----

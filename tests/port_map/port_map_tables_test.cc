@@ -567,11 +567,13 @@ TEST_F(ChangeCounter, OfAFailingDatabaseIsZeroWithoutAFailure) {
 TEST_F(ChangeCounter, OfALookUpThatCopiesAndFailsIsZero) {
   const uint32_t stored = 7;
   platform.set_element(2, 6, &stored, 1);
-  platform.fail_element(2, 6, 5, true);
+  for (const int status : {5, -5}) {
+    platform.fail_element(2, 6, status, true);
 
-  EXPECT_EQ(ficon_cmi_get_pmap_change_counter(&counter), 0);
+    EXPECT_EQ(ficon_cmi_get_pmap_change_counter(&counter), 0);
 
-  EXPECT_EQ(counter, 0u);
+    EXPECT_EQ(counter, 0u);
+  }
 }
 
 TEST_F(ChangeCounter, StartsAsZeroBeforeTheLookUp) {

@@ -231,6 +231,14 @@ TEST_F(VsanPorts, EachArrayIsStoredBeforeTheNextIsAllocated) {
   EXPECT_THAT(stored, ElementsAre(0, 1, 2, 3));
 }
 
+TEST_F(VsanPorts, PortsOfOtherVsansDoNotEnlargeTheArrays) {
+  map.entry(5, 7, 9, {10}, 10).entry(6, 8, 10, {11}, 11).entry(7, 9, 11, {9}, 9).entry(8, 10, 12, {4000}, 4000);
+  EXPECT_EQ(list(10), 0u);
+  EXPECT_THAT(listed(pns), ElementsAre(7));
+  EXPECT_EQ(platform.count("memacct_alloc(206, 5, 2)"), 2);
+  EXPECT_EQ(platform.count("memacct_alloc(206, 1, 4)"), 1);
+}
+
 TEST_F(VsanPorts, VsanWithoutPortsYieldsFourEmptyAllocations) {
   three_ports();
   EXPECT_EQ(list(30), 0u);

@@ -29,6 +29,8 @@ namespace {
   return text;
 }
 
+void (*allocation_watch)(const void* address);
+
 constexpr auto kWork = programmable_platform::kind::work;
 constexpr auto kReporting = programmable_platform::kind::reporting;
 
@@ -81,6 +83,10 @@ uint32_t tlv_offset(const void* array, uint32_t nth) {
 }
 
 } // namespace
+
+void watch_allocations(void (*granted)(const void* address)) {
+  allocation_watch = granted;
+}
 
 programmable_platform& the_platform() {
   // Never destroyed: the library's unload hook may call after the process's destructors have run.
@@ -207,6 +213,7 @@ void* programmable_platform::allocate(uint32_t library_id, uint32_t type, uint32
   if (address == nullptr) return nullptr;
   memset(address, kGarbage, size);
   allocations_.push_back({address, library_id, type, size});
+  if (allocation_watch != nullptr) allocation_watch(address);
   return address;
 }
 
@@ -369,7 +376,7 @@ int elemdb_lookup_element(struct elemdb_request* request) {
 int evtrc_hist_event_subtype_check(uint32_t id, uint32_t subtype) {
   auto& platform = the_platform();
   platform.record(kReporting, line("evtrc_hist_event_subtype_check(%#x, %u)", id, subtype));
-  return platform.filtered_subtypes.count(subtype) != 0 ? 1 : 0;
+  return platform.filtered_subtypes.count(subtype) != 0 ? platform.filter_answer : 0;
 }
 
 int evtrc_hist_event(uint32_t id, uint32_t length, const void* record) {
@@ -390,7 +397,7 @@ int evtrc_hist_event(uint32_t id, uint32_t length, const void* record) {
 int evtrc_chk_int(int flag, int a, int b, int level) {
   auto& platform = the_platform();
   platform.record(kReporting, line("evtrc_chk_int(%d, %d, %d, %d)", flag, a, b, level));
-  return platform.debug_flags.count(flag) != 0 ? 1 : 0;
+  return platform.debug_flags.count(flag) != 0 ? platform.flag_answer : 0;
 }
 
 void dbgout(int level, const char* module, int zero, const char* format, ...) {

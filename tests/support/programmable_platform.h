@@ -186,8 +186,10 @@ class programmable_platform {
   // What the converter makes of a text, which may be longer or shorter. Unless told otherwise, every byte becomes the next.
   std::function<std::string(const std::string& text)> on_convert;
 
-  std::set<uint32_t> filtered_subtypes; // evtrc_hist_event_subtype_check answers non-zero
-  std::set<int> debug_flags;            // evtrc_chk_int answers non-zero
+  std::set<uint32_t> filtered_subtypes; // evtrc_hist_event_subtype_check answers with filter_answer
+  int filter_answer = 1;
+  std::set<int> debug_flags; // evtrc_chk_int answers with flag_answer
+  int flag_answer = 1;
 
   // Runs after a call was logged and before it is answered, so that a test can change the world in mid-operation. Not
   // called for calls that it makes itself.
@@ -272,6 +274,9 @@ class programmable_platform {
   std::vector<added_tlv> added_tlvs_;
   std::vector<conversion> conversions_;
 };
+
+// Sees every allocation that is granted, also after a reset; for a program that counts what nobody releases. NULL ends it.
+void watch_allocations(void (*granted)(const void* address));
 
 // The one platform of this process. It lives from its first use on: the library's load hook calls before any constructor
 // of the process has run.

@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "civil_calendar.h"
+#include "date_watch.h"
 #include "time_of_day_test.h"
 
 namespace {
@@ -52,6 +53,15 @@ TEST_F(TodText, KnownValuesWithTheDayFirst) {
 
 TEST_F(TodText, KnownValuesWithTheYearFirst) {
   for (const known_text& known : kKnown) EXPECT_EQ(text_of(known.tod, 1), known.year_first);
+}
+
+TEST_F(TodText, EveryDateIsReleased) {
+  the_dates() = {};
+  text_of(0, 0);
+  text_of(kLargest, 1);
+  text_of(0, 7);
+  EXPECT_EQ(the_dates().made, 3);
+  EXPECT_EQ(the_dates().released, 3);
 }
 
 TEST_F(TodText, FormatsHaveTheirNumbers) {
