@@ -6,7 +6,6 @@
 #include <platform/if_index.h>
 #include <platform/memacct.h>
 
-#include <cstdio>
 #include <cstdlib>
 
 #include <libchnsw.h>
@@ -15,7 +14,6 @@
 
 namespace {
 
-unsigned success_count;
 bool refusing;
 
 // Of the virtual switch's arrays.
@@ -25,20 +23,6 @@ constexpr size_t kFirstValue = 12;
 constexpr size_t kPrefix = 4;
 
 } // namespace
-
-void fuzz::require(bool holds, const char* promise) {
-  if (holds) return;
-  std::fprintf(stderr, "does not hold: %s\n", promise);
-  std::abort();
-}
-
-void fuzz::count_success() {
-  ++success_count;
-}
-
-unsigned fuzz::successes() {
-  return success_count;
-}
 
 void fuzz::refuse_allocations(bool refuse) {
   refusing = refuse;

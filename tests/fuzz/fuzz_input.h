@@ -1,7 +1,4 @@
-// What the fuzz targets share: messages whose every byte is known, and the services that parsers ask for.
-//
-// A target is a function LLVMFuzzerTestOneInput. It ends the process when something is not as it should be; a build without
-// a fuzzer calls it with the seeds.
+// What the targets of parsers share: messages whose every byte is known, and the services that parsers ask for.
 #ifndef TESTS_FUZZ_FUZZ_INPUT_H
 #define TESTS_FUZZ_FUZZ_INPUT_H
 
@@ -14,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+#include "fuzz_target.h"
 
 // Exactly the payload and the zeros that follow one, so that a sanitizer sees every byte beyond.
 struct msgq_message {
@@ -23,13 +20,6 @@ struct msgq_message {
 };
 
 namespace fuzz {
-
-// Ends the process, with a line that tells why, unless what is promised holds.
-void require(bool holds, const char* promise);
-
-// Counts an input that got as far as it could. Seeds of which none does have lost their meaning.
-void count_success();
-unsigned successes();
 
 // From now on the library's allocations are refused, or granted.
 void refuse_allocations(bool refuse);

@@ -7,13 +7,13 @@
 #include <iterator>
 #include <vector>
 
-#include "fuzz_input.h"
+#include "fuzz_target.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-// The bytes are in a block of their own, as a fuzzer hands them over. Returns whether they are a good message.
+// The bytes are in a block of their own, as a fuzzer hands them over. Returns whether they got as far as they could.
 bool replay(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
   const std::vector<char> bytes((std::istreambuf_iterator<char>(stream)), {});
@@ -26,14 +26,14 @@ bool replay(const fs::path& file) {
 
 } // namespace
 
-// Seeds without a good message among them, or without a bad one, have lost their meaning.
+// Seeds of which none is good, or every one, have lost their meaning.
 int main(int argc, char** argv) try {
   if (argc != 2) return 2;
   std::vector<fs::path> files;
   for (const auto& entry : fs::directory_iterator(argv[1])) files.push_back(entry.path());
   std::sort(files.begin(), files.end());
   const auto good = static_cast<size_t>(std::count_if(files.begin(), files.end(), replay));
-  std::fprintf(stderr, "%zu seeds, %zu of them good messages\n", files.size(), good);
+  std::fprintf(stderr, "%zu seeds, %zu of them good\n", files.size(), good);
   return good == 0 || good == files.size() ? 1 : 0;
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s\n", error.what());
