@@ -29,3 +29,6 @@ if(CHNSW_SANITIZE)
   add_compile_options(-fsanitize=${CHNSW_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${CHNSW_SANITIZE})
 endif()
+
+# Of the library alone, and with its tests alone.
+option(CHNSW_COVERAGE "Count what the tests reach of the library; for clang" OFF)

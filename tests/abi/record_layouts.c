@@ -19,6 +19,9 @@ AT(ficon_platform_info, byte0, 0);
 AT(ficon_platform_info, byte1, 1);
 AT(ficon_platform_info, num_slots, 2);
 AT(ficon_platform_info, byte3, 3);
+AT(ficon_platform_info, byte4, 4);
+AT(ficon_platform_info, byte5, 5);
+AT(ficon_platform_info, byte6, 6);
 AT(ficon_platform_info, byte7, 7);
 
 SIZE(ficon_hist_record, 516);
@@ -30,9 +33,12 @@ AT(ficon_host_time, seconds, 0);
 AT(ficon_host_time, microseconds, 4);
 
 SIZE(ficon_vsan_tstmp_rec, 40);
+AT(ficon_vsan_tstmp_rec, not_read_0, 0);
 AT(ficon_vsan_tstmp_rec, ref_host_sec, 12);
 AT(ficon_vsan_tstmp_rec, ref_host_usec, 16);
+AT(ficon_vsan_tstmp_rec, not_read_20, 20);
 AT(ficon_vsan_tstmp_rec, ref_tod, 24);
+AT(ficon_vsan_tstmp_rec, not_read_32, 32);
 
 /* Six words on the switch; a word that is a pointer is as wide as one. */
 #define WORD sizeof(void*)
@@ -117,9 +123,11 @@ AT(ficon_if_swap_resp, zero, 16);
 SIZE(ficon_vsan_state_change, 8);
 AT(ficon_vsan_state_change, word0, 0);
 AT(ficon_vsan_state_change, word1, 4);
+SIZE(ficon_updown_notice, 8); /* of which a value has 6 */
 AT(ficon_updown_notice, word0, 0);
 AT(ficon_updown_notice, byte4, 4);
 AT(ficon_updown_notice, byte5, 5);
+SIZE(ficon_enable_notice, 8); /* of which a value has 5 */
 AT(ficon_enable_notice, word0, 0);
 AT(ficon_enable_notice, byte4, 4);
 

@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <random>
 #include <stdexcept>
@@ -94,7 +95,7 @@ struct request {
 
 class client {
  public:
-  explicit client(uint32_t id) : dice_(id), mark_(uintptr_t{id} << 32) {}
+  explicit client(uint32_t id) : dice_(id), mark_(uintptr_t{id} << kCountBits) {}
 
   // Whether it could be sent.
   bool send_next() {
@@ -125,7 +126,11 @@ class client {
   uint64_t answered() const { return answered_; }
 
  private:
-  static uint32_t mark_of(uintptr_t send_arg) { return static_cast<uint32_t>(send_arg ^ send_arg >> 32); }
+  static constexpr int kCountBits = std::numeric_limits<uintptr_t>::digits - 8; // of requests; the rest says whose
+
+  static uint32_t mark_of(uintptr_t send_arg) {
+    return static_cast<uint32_t>(send_arg ^ static_cast<uint64_t>(send_arg) >> 32);
+  }
   static uint32_t vsan_of(unsigned port) { return port % 2 == 1 ? 10 : 20; }
 
   bool send(const request& asked, uintptr_t send_arg) const {
@@ -277,6 +282,12 @@ TEST_F(Crowd, NeverHearsAWrongAnswerWhenTheManagerIsKilled) {
   close(reports[1]);
 }
 
+#ifdef CHNSW_EMULATED // too slow to have installed anything by then
+constexpr uint32_t kLongestLifeMs = 600;
+#else
+constexpr uint32_t kLongestLifeMs = 30;
+#endif
+
 // Each install binds eight ports to a VSAN or takes it out again.
 TEST_F(Crowd, SeesWholeInstallsWhenTheManagerIsKilled) {
   dice random(2);
@@ -295,7 +306,7 @@ TEST_F(Crowd, SeesWholeInstallsWhenTheManagerIsKilled) {
         msgq_release(message);
       }
     });
-    std::this_thread::sleep_for(std::chrono::milliseconds(random.below(30)));
+    std::this_thread::sleep_for(std::chrono::milliseconds(random.below(kLongestLifeMs)));
     manager_->kill_at_once();
     EXPECT_TRUE(ended_well(child));
     const auto chassis = switch_store::open(path())->describe();
@@ -379,7 +390,7 @@ void send_random_bytes(uint64_t requests) {
     const auto one = source.next();
     const int status =
         msgq_send(end.get(), &kManagerAddress, one.opcode, one.payload.empty() ? nullptr : one.payload.data(),
-                  static_cast<uint32_t>(one.payload.size()), sent, nullptr, 0);
+                  static_cast<uint32_t>(one.payload.size()), static_cast<uintptr_t>(sent), nullptr, 0);
     if (status == 0) ++sent;
     require(status == 0 || errno == EAGAIN || errno == EINVAL, "random bytes cannot be sent");
     msgq_message* message = nullptr;

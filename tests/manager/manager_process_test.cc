@@ -83,11 +83,12 @@ class ManagerProcess : public testing::Test {
 };
 
 TEST_F(ManagerProcess, AnswersPortMap) {
-  ASSERT_EQ(ficon_send_get_portmap_nonblock(client_.get(), "nightly", "of the lab", 17, 0, kFc1_2, 0, 0, 0x1122334455), 0);
+  const auto send_arg = static_cast<uintptr_t>(0x1122334455667788); // as much of it as a pointer holds
+  ASSERT_EQ(ficon_send_get_portmap_nonblock(client_.get(), "nightly", "of the lab", 17, 0, kFc1_2, 0, 0, send_arg), 0);
   uint32_t if_index = 0;
   uint16_t pn = 0;
   uint16_t pa = 0;
-  EXPECT_EQ(ficon_parse_get_portmap(reply(0x1122334455).get(), &if_index, &pn, &pa), 0u);
+  EXPECT_EQ(ficon_parse_get_portmap(reply(send_arg).get(), &if_index, &pn, &pa), 0u);
   EXPECT_EQ(if_index, kFc1_2);
   EXPECT_EQ(pn, 1);
   EXPECT_EQ(pa, 0x21);

@@ -265,7 +265,7 @@ TEST(CharConvert, ProgramsThatLinkOrPreloadTheServicesHaveIt) {
   EXPECT_EQ(linked.output, "status 0x00000000 A1\n");
   // A sanitizer wants to be the first library of a process, which a preloaded one comes before.
   const auto preloaded = vswitch_test::run({VSWITCH_PRELOADED_CLIENT, "text", "37", "\xC1\xF1"},
-                                           {"LD_PRELOAD=" VSWITCH_LIBRARY, "ASAN_OPTIONS=verify_asan_link_order=0"});
+                                           {VSWITCH_PRELOADED, "ASAN_OPTIONS=verify_asan_link_order=0"});
   EXPECT_EQ(preloaded.output, "status 0x00000000 A1\n");
   EXPECT_EQ(preloaded.errors, "");
 }

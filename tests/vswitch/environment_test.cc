@@ -49,9 +49,8 @@ TEST_F(SwitchOfEnvironment, TimeReferenceThatIsSetIsTheNextTimeStampOfAnyClient)
 TEST_F(SwitchOfEnvironment, PreloadedSwitchServesAProgramThatKnowsNothingOfIt) {
   const std::string variable = std::string("CHNSW_SWITCH=") + kExample;
   // A sanitizer wants to be the first library of a process, which a preloaded one comes before.
-  const auto result =
-      run({VSWITCH_PRELOADED_CLIENT, "pa", "0x60"},
-          {variable, "LD_PRELOAD=" VSWITCH_LIBRARY, "LD_BIND_NOW=1", "ASAN_OPTIONS=verify_asan_link_order=0"});
+  const auto result = run({VSWITCH_PRELOADED_CLIENT, "pa", "0x60"},
+                          {variable, VSWITCH_PRELOADED, "LD_BIND_NOW=1", "ASAN_OPTIONS=verify_asan_link_order=0"});
   EXPECT_EQ(result.output, "status 0x00000000 pn 96\n");
   EXPECT_EQ(result.errors, "");
 }

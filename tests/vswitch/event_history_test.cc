@@ -53,7 +53,9 @@ TEST_F(EventHistory, WatcherSeesSubtypeAndTextAsReported) {
 
 TEST_F(EventHistory, TextEndsWithTheRecordWhenItHasNoNul) {
   watch();
-  const char bytes[] = {102, 0, 0, 0, 'a', 'b', 'c'};
+  const uint32_t subtype = 102;
+  char bytes[] = {0, 0, 0, 0, 'a', 'b', 'c'};
+  std::memcpy(bytes, &subtype, sizeof subtype);
   EXPECT_EQ(evtrc_hist_event(FICON_EVT_HIST_ID, 6, bytes), 0);
   EXPECT_EQ(evtrc_hist_event(FICON_EVT_HIST_ID, 4, bytes), 0);
   EXPECT_THAT(seen_, ElementsAre("102 ab", "102 "));

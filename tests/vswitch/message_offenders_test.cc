@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <cstring>
 #include <map>
@@ -38,8 +39,10 @@ class MessageOffenders : public ::testing::Test {
   end honest = open_end();
 };
 
+constexpr const char* kArrayMagic = std::endian::native == std::endian::little ? "AVLT" : "TLVA";
+
 std::string tlv_array(uint32_t said_size, size_t size) {
-  std::string bytes = "AVLT";
+  std::string bytes = kArrayMagic;
   bytes.append(reinterpret_cast<const char*>(&said_size), sizeof said_size);
   bytes.resize(size);
   return bytes;
@@ -68,7 +71,7 @@ std::vector<no_frame> what_is_no_frame() {
       {"twice as much as a message may have", frame{.payload = std::string(131072, 'x')}.bytes()},
       {"an array that says to be longer than it is", frame{.payload = tlv_array(13, 12)}.bytes()},
       {"the greatest array", frame{.payload = tlv_array(0xFFFFFFFF, 100)}.bytes()},
-      {"an array without its size", frame{.payload = "AVLT"}.bytes()},
+      {"an array without its size", frame{.payload = kArrayMagic}.bytes()},
       {"an array that is cut off in its header", frame{.payload = tlv_array(4, 11)}.bytes()},
       {"a reply that is no array", frame{.kind = 2, .payload = tlv_array(13, 12)}.bytes()},
   };

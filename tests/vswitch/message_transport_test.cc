@@ -165,7 +165,9 @@ TEST_F(MessageTransport, ArgumentsThatCannotBeAreRefused) {
 }
 
 TEST_F(MessageTransport, ArrayThatSaysToBeLongerThanItIsCannotBeSent) {
-  const std::string array("AVLT\x0D\0\0\0\0\0\0\0", 12); // 13 bytes, it says
+  const uint32_t header[] = {0x544C5641, 13, 0}; // 13 bytes, it says
+  std::string array(sizeof header, '\0');
+  std::memcpy(array.data(), header, sizeof header);
   const message received = sent_and_received("x");
   EXPECT_EQ(request(client, array), EINVAL);
   EXPECT_EQ(reply(server, received, array), EINVAL);

@@ -62,8 +62,10 @@ TEST_F(Services, ElementIsCopiedUpToTheLengthAskedFor) {
   std::memset(value, 0xEE, sizeof value);
   elemdb_request request{1, 2, 4, &key, 4, value};
   EXPECT_EQ(elemdb_lookup_element(&request), 0);
-  const uint8_t expected[] = {7, 0, 0, 0, 0xEE, 0xEE, 0xEE, 0xEE};
-  EXPECT_EQ(std::memcmp(value, expected, sizeof expected), 0);
+  uint32_t words[2];
+  std::memcpy(words, value, sizeof words);
+  EXPECT_EQ(words[0], 7u);
+  EXPECT_EQ(words[1], 0xEEEEEEEEu);
 }
 
 TEST_F(Services, ElementThatIsNotThereLeavesTheValue) {

@@ -4,6 +4,7 @@
 #include <service_status.h>
 #include <tlv_array.h>
 
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -76,14 +77,23 @@ exact_array three_values() {
 
 // ---- Bytes ----
 
-// As a little-endian machine has them.
 TEST(TlvArray, LiteralBytes) {
-  EXPECT_EQ(three_values().bytes(), std::string("AVLT\x24\0\0\0\x03\0\0\0"
-                                                "\x09\0\x03\0abc\0"
-                                                "\x0F\0\x08\0"
-                                                "12345678"
-                                                "\xFF\xFF\0\0",
-                                                36));
+  const std::string little(
+      "AVLT\x24\0\0\0\x03\0\0\0"
+      "\x09\0\x03\0abc\0"
+      "\x0F\0\x08\0"
+      "12345678"
+      "\xFF\xFF\0\0",
+      36);
+  const std::string big(
+      "TLVA\0\0\0\x24\0\x03\0\0"
+      "\0\x09\0\x03"
+      "abc\0"
+      "\0\x0F\0\x08"
+      "12345678"
+      "\xFF\xFF\0\0",
+      36);
+  EXPECT_EQ(three_values().bytes(), std::endian::native == std::endian::little ? little : big);
 }
 
 TEST(TlvArray, ValuesComeBackInOrder) {
