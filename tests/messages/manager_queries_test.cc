@@ -496,4 +496,15 @@ TEST_F(IfvsanAnswer, FieldsAreCopiedFromTheLastToTheFirstAndThenTheState) {
             record(20).u32(0, 0x99).u32(4, 0x99).u32(8, 0x22).u32(12, kIfByNtoh).u32(16, 0x33).get());
 }
 
+// With the record two words behind the payload the result is stored where arg_a is read.
+TEST_F(IfvsanAnswer, FirstArgumentIsCopiedBeforeTheResult) {
+  bytes room = answer(0x99);
+  room.resize(28);
+  msgq_message message(room, 0);
+  auto* overlapping = object_at<ficon_ifvsan_query>(message.payload(), 8);
+  EXPECT_EQ(ficon_parse_query_ifvsan(&message, overlapping), 0x99u);
+  EXPECT_EQ(bytes_of(*overlapping),
+            record(20).u32(0, 0x99).u32(4, 0x11).u32(8, 0x22).u32(12, kIfByNtoh).u32(16, 0x33).get());
+}
+
 } // namespace

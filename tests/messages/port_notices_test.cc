@@ -69,6 +69,17 @@ TEST_F(UpdownNotice, BytesBehindTheSixAreNotWritten) {
   EXPECT_EQ(here.get(), record(16, 0xEE).u32(0, 0x11111111).u8(4, 0x11).u8(5, 0x11).get());
 }
 
+// A record one byte behind the value, which stands at 7 bytes: each byte is read where the field before it has been stored
+// by then.
+TEST_F(UpdownNotice, FieldsAreCopiedInTheirOrder) {
+  msgq_message message = tlv_message(10, record(9).u32(0, 0x11111111).u8(4, 0x44).u8(5, 0x55), 0);
+  auto* notice = object_at<ficon_updown_notice>(message.payload(), 7 + 1);
+  EXPECT_EQ(ficon_parse_updown_payload(&message, notice), 0u);
+  EXPECT_EQ(notice->word0, 0x11111111u);
+  EXPECT_EQ(notice->byte4, 0x11);
+  EXPECT_EQ(notice->byte5, 0x11);
+}
+
 TEST_F(UpdownNotice, IsNoEnableNotice) {
   msgq_message message = tlv_message(10, bytes(6, 0x11));
   room<ficon_enable_notice> here;
@@ -95,6 +106,15 @@ TEST_F(EnableNotice, BytesBehindTheFiveAreNotWritten) {
   room<ficon_enable_notice> here;
   EXPECT_EQ(ficon_parse_enable_payload(&message, here.notice()), 0u);
   EXPECT_EQ(here.get(), record(16, 0xEE).u32(0, 0x11111111).u8(4, 0x11).get());
+}
+
+// A record one word behind the value: the byte is read where the word has been stored by then.
+TEST_F(EnableNotice, WordIsCopiedBeforeTheByte) {
+  msgq_message message = tlv_message(1, record(12).u32(0, 0x11111111).u8(4, 0x44), 1); // the value stands at 8 bytes
+  auto* notice = object_at<ficon_enable_notice>(message.payload(), 7 + 4);
+  EXPECT_EQ(ficon_parse_enable_payload(&message, notice), 0u);
+  EXPECT_EQ(notice->word0, 0x11111111u);
+  EXPECT_EQ(notice->byte4, 0x11);
 }
 
 TEST_F(EnableNotice, IsFoundBehindANoticeOfAnotherKind) {

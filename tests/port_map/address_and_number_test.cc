@@ -779,6 +779,15 @@ TEST_F(PaToPn, ControlUnitPortTracesVsanZeroInTheFastForm) {
                                              "Vsan(0) In Vsan(0) gvp(1) vsan_pn(254)\n"));
 }
 
+TEST_F(PaToPn, ControlUnitPortIsStoredBeforeItsTraceIsTold) {
+  uint16_t told = 0;
+  platform.on_call = [&](const std::string& call) {
+    if (call.starts_with("evtrc_hist_event(")) told = pn;
+  };
+  EXPECT_EQ(translate(254, &vsan), kPlatform);
+  EXPECT_EQ(told, 254);
+}
+
 TEST_F(PaToPn, AddressOutOfRangeMakesNoTrace) {
   EXPECT_EQ(translate(255, &vsan), kPaRange);
   EXPECT_THAT(platform.reporting_calls(), IsEmpty());

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <cstdint>
+#include <utility>
 
 namespace chnsw_test {
 
@@ -18,6 +19,7 @@ extern "C" {
 struct _GDate;
 
 _GDate* g_date_new_dmy(uint8_t day, int month, uint16_t year) {
+  if (std::exchange(chnsw_test::the_dates().refuse_next, false)) return nullptr;
   ++chnsw_test::the_dates().made;
   static const auto of_glib = reinterpret_cast<_GDate* (*)(uint8_t, int, uint16_t)>(dlsym(RTLD_NEXT, "g_date_new_dmy"));
   return of_glib(day, month, year);

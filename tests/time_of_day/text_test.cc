@@ -64,6 +64,14 @@ TEST_F(TodText, EveryDateIsReleased) {
   EXPECT_EQ(the_dates().released, 3);
 }
 
+// GLib refuses to work on no date, so every field of the day is 0: a Sunday in January, in the year 1900 + 0.
+TEST_F(TodText, WithoutADateTheDayIsZeroAndNothingIsReleased) {
+  the_dates() = {.refuse_next = true};
+  EXPECT_EQ(text_of(0xCE4F44C40DC3B000), "Sun Jan 0 09:07:03.123 1900");
+  EXPECT_EQ(the_dates().made, 0);
+  EXPECT_EQ(the_dates().released, 0);
+}
+
 TEST_F(TodText, FormatsHaveTheirNumbers) {
   EXPECT_EQ(FICON_TOD_FMT_DAY_FIRST, 0);
   EXPECT_EQ(FICON_TOD_FMT_YEAR_FIRST, 1);
