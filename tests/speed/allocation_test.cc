@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <vswitch.h>
 
-#include <cerrno>
-#include <cstddef>
 #include <cstdlib>
 #include <functional>
 #include <string>
@@ -13,58 +11,11 @@
 #include <chassis_file.h>
 #include <libchnsw.h>
 
-namespace {
-
-// Every allocation of this process while it counts. volatile: the compiler knows too well what malloc does.
-volatile bool counting;
-volatile int allocations;
-
-void count_allocation() {
-  if (counting) allocations = allocations + 1;
-}
-
-} // namespace
-
-#ifdef __SANITIZE_ADDRESS__
-// The sanitizer's allocator tells by itself. g++ 12 comes without the header that declares how.
-extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void*, size_t),
-                                                         void (*freed)(const volatile void*));
-[[maybe_unused]] const int kHooked = __sanitizer_install_malloc_and_free_hooks(
-    [](const volatile void*, size_t) { count_allocation(); }, [](const volatile void*) {});
-#else
-extern "C" {
-void* __libc_malloc(size_t size);
-void* __libc_calloc(size_t count, size_t size);
-void* __libc_realloc(void* block, size_t size);
-void* __libc_memalign(size_t alignment, size_t size);
-
-#define EVERYBODYS __attribute__((visibility("default")))
-
-EVERYBODYS void* malloc(size_t size) {
-  count_allocation();
-  return __libc_malloc(size);
-}
-EVERYBODYS void* calloc(size_t count, size_t size) {
-  count_allocation();
-  return __libc_calloc(count, size);
-}
-EVERYBODYS void* realloc(void* block, size_t size) {
-  count_allocation();
-  return __libc_realloc(block, size);
-}
-EVERYBODYS void* aligned_alloc(size_t alignment, size_t size) {
-  count_allocation();
-  return __libc_memalign(alignment, size);
-}
-EVERYBODYS int posix_memalign(void** block, size_t alignment, size_t size) {
-  count_allocation();
-  *block = __libc_memalign(alignment, size);
-  return *block == nullptr ? ENOMEM : 0;
-}
-}
-#endif
+#include "allocation_count.h"
 
 namespace {
+
+using chnsw_test::allocations_of;
 
 constexpr char kSwitch[] = R"(
 [chassis]
@@ -117,20 +68,12 @@ std::vector<query> queries() {
   };
 }
 
-int allocations_of(const std::function<void()>& ask) {
-  allocations = 0;
-  counting = true;
-  ask();
-  counting = false;
-  return allocations;
-}
-
 TEST(QueryAllocations, AreCounted) {
   EXPECT_EQ(allocations_of([] {
               void* volatile block = ::operator new(100); // volatile: nobody looks at it otherwise
               ::operator delete(block);
             }),
-            1);
+            1u);
   // By the library through the virtual switch's memory accounting, one of each array.
   vswitch::use_switch(vswitch::switch_store::in_memory(vswitch::parse_chassis_text(kSwitch, "switch")));
   uint16_t* numbers[2];
@@ -139,7 +82,7 @@ TEST(QueryAllocations, AreCounted) {
   ficon_pmap_get_info_in_vsan(10, &numbers[0], &numbers[1], &words[0], &words[1], &count);
   for (int i = 0; i < 2; ++i) std::free(numbers[i]), std::free(words[i]);
   EXPECT_GE(
-      allocations_of([&] { ficon_pmap_get_info_in_vsan(10, &numbers[0], &numbers[1], &words[0], &words[1], &count); }), 4);
+      allocations_of([&] { ficon_pmap_get_info_in_vsan(10, &numbers[0], &numbers[1], &words[0], &words[1], &count); }), 4u);
   for (int i = 0; i < 2; ++i) std::free(numbers[i]), std::free(words[i]);
 }
 
@@ -149,7 +92,7 @@ TEST(QueryAllocations, NoQueryMakesOneOnceItWasAskedBefore) {
   ASSERT_EQ(ficon_pmap_prepare_fastpath(10), 0);
   for (const query& query : queries()) {
     query.ask();
-    EXPECT_EQ(allocations_of(query.ask), 0) << query.name;
+    EXPECT_EQ(allocations_of(query.ask), 0u) << query.name;
   }
 }
 
@@ -160,7 +103,7 @@ TEST(QueryAllocations, NoQueryMakesOneAfterTheMapChanged) {
   for (const query& query : queries()) {
     query.ask();
     changed.change_map([](vswitch::port_map& map) { ++map.port_to_pn[7].pa; });
-    EXPECT_EQ(allocations_of(query.ask), 0) << query.name;
+    EXPECT_EQ(allocations_of(query.ask), 0u) << query.name;
   }
 }
 

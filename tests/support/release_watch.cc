@@ -5,6 +5,7 @@
 #include <string>
 
 #include "programmable_platform.h"
+#include "sanitizer_allocator.h"
 
 namespace chnsw_test {
 namespace {
@@ -41,11 +42,7 @@ void forget_releases() {
 
 } // namespace chnsw_test
 
-#ifdef __SANITIZE_ADDRESS__
-
-// The sanitizer has taken free() already, and tells.
-extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void*, size_t),
-                                                         void (*freed)(const volatile void*));
+#ifdef SANITIZER_ALLOCATES // it has taken free() already, and tells
 
 [[gnu::constructor]] static void watch_releases() {
   __sanitizer_install_malloc_and_free_hooks([](const volatile void*, size_t) {},

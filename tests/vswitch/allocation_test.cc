@@ -10,61 +10,14 @@
 #include <platform/portidx.h>
 #include <vswitch.h>
 
-#include <atomic>
 #include <cstddef>
 
+#include "allocation_count.h"
 #include "test_switch.h"
 
 namespace {
-std::atomic<size_t> allocations{0};
-}
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) && !defined(__SANITIZE_ADDRESS__)
-#define __SANITIZE_ADDRESS__ 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-// The sanitizer's own, which not every compiler has a header for.
-extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void*, size_t),
-                                                         void (*released)(const volatile void*));
-
-namespace {
-const int kHooked = __sanitizer_install_malloc_and_free_hooks([](const volatile void*, size_t) { ++allocations; },
-                                                              [](const volatile void*) {});
-}
-#else
-namespace {
-const int kHooked = 1;
-}
-
-extern "C" {
-void* __libc_malloc(size_t);
-void* __libc_calloc(size_t, size_t);
-void* __libc_realloc(void*, size_t);
-void* __libc_memalign(size_t, size_t);
-
-__attribute__((visibility("default"))) void* malloc(size_t size) {
-  ++allocations;
-  return __libc_malloc(size);
-}
-__attribute__((visibility("default"))) void* calloc(size_t count, size_t size) {
-  ++allocations;
-  return __libc_calloc(count, size);
-}
-__attribute__((visibility("default"))) void* realloc(void* block, size_t size) {
-  ++allocations;
-  return __libc_realloc(block, size);
-}
-__attribute__((visibility("default"))) void* aligned_alloc(size_t alignment, size_t size) {
-  ++allocations;
-  return __libc_memalign(alignment, size);
-}
-}
-#endif
-
-namespace {
-
+using chnsw_test::allocations_of;
 using namespace vswitch;
 
 void ask_every_service(std::span<std::byte> room) {
@@ -91,17 +44,17 @@ void ask_every_service(std::span<std::byte> room) {
 size_t allocations_of_services() {
   static std::byte room[25600];
   ask_every_service(room);
-  const size_t before = allocations;
-  for (int i = 0; i < 100; ++i) ask_every_service(room);
-  return allocations - before;
+  return allocations_of([] {
+    for (int i = 0; i < 100; ++i) ask_every_service(room);
+  });
 }
 
 TEST(Allocations, AreCounted) {
-  ASSERT_NE(kHooked, 0);
-  const size_t before = allocations;
-  void* volatile block = ::operator new(100); // volatile: the compiler may leave out what nobody looks at
-  ::operator delete(block);
-  EXPECT_GT(allocations, before);
+  EXPECT_EQ(allocations_of([] {
+              void* volatile block = ::operator new(100); // volatile: nobody looks at it otherwise
+              ::operator delete(block);
+            }),
+            1u);
 }
 
 TEST(Allocations, ServicesOfASwitchInMemoryMakeNoneAfterTheFirstAnswer) {
@@ -124,9 +77,7 @@ TEST(Allocations, LookUpsBetweenChangesMakeNone) {
   static std::byte room[25600];
   for (int i = 0; i < 20; ++i) {
     switch_in_use()->change_map([](port_map& map) { ++map.port_to_vsan[0]; });
-    const size_t before = allocations;
-    ask_every_service(room);
-    EXPECT_LE(allocations - before, i == 0 ? 100u : 0u);
+    EXPECT_LE(allocations_of([] { ask_every_service(room); }), i == 0 ? 100u : 0u);
   }
   use_switch(nullptr);
 }
