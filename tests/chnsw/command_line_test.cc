@@ -125,6 +125,42 @@ TEST_F(CommandLine, WrongChassisFileIsStatusTwoWithEveryProblem) {
   EXPECT_THAT(result.err, HasSubstr("wrong.toml:4:1: "));
 }
 
+TEST_F(CommandLine, NumberOfAnOptionIsToldWithWhatWasFoundAndExpected) {
+  struct refusal {
+    std::vector<std::string> words;
+    const char* complaint;
+  };
+  const refusal refused[] = {
+      {{"watch", "--count", "-1"}, "--count: found \"-1\", expected a decimal number from 0 to 4294967295"},
+      {{"listen", "--count", "1.5"}, "--count: found \"1.5\", expected a decimal number from 0 to 4294967295"},
+      {{"listen", "--count", "4294967296"},
+       "--count: found \"4294967296\", expected a decimal number from 0 to 4294967295"},
+      {{"tod", "0000", "--leap-seconds", "1000"},
+       "--leap-seconds: found \"1000\", expected a decimal number from 0 to 999"},
+      {{"notify", "port", "fc1/1", "up", "--reason", "0x7"},
+       "--reason: found \"0x7\", expected a decimal number from 0 to 255"},
+      {{"swap", "fc1/1", "fc1/2", "--refuse", "unlock", "--reason", "0"},
+       "--reason: found \"0\", expected a decimal number from 1 to 4294967295"},
+      {{"watch", "--interval", "soon"}, "--interval: found \"soon\", expected a decimal number from 0.01 to 3600"},
+      {{"watch", "--interval", "nan"}, "--interval: found \"nan\", expected a decimal number from 0.01 to 3600"},
+      {{"ask", "vsans", "--timeout", "0"}, "--timeout: found \"0\", expected a decimal number from 0.01 to 3600"},
+      {{"ask", "vsans", "--timeout", "3601"}, "--timeout: found \"3601\", expected a decimal number from 0.01 to 3600"},
+      {{"ask", "vsans", "--timeout", "5s"}, "--timeout: found \"5s\", expected a decimal number from 0.01 to 3600"}};
+  for (const auto& [words, complaint] : refused) {
+    auto result = run(words);
+    EXPECT_EQ(result.status, 2) << complaint;
+    EXPECT_THAT(result.err, testing::StartsWith(std::string("chnsw: ") + complaint + "; see chnsw " + words[0]));
+    EXPECT_EQ(result.out, "") << complaint;
+  }
+}
+
+TEST_F(CommandLine, LargestNumberOfAnOptionIsTaken) {
+  EXPECT_EQ(run({"tod", "0000", "--leap-seconds", "999"}).status, 0);
+  ASSERT_EQ(run({"create", "folder", "campus.toml"}).status, 0);
+  EXPECT_EQ(run({"-s", "folder", "watch", "--count", "1", "--interval", "3600"}).status, 0);
+  EXPECT_EQ(run({"-s", "folder", "watch", "--count", "1", "--interval", "0.01"}).status, 0);
+}
+
 TEST_F(CommandLine, WhatCannotBeOpenedIsStatusThree) {
   EXPECT_EQ(run({"-s", "nowhere", "map"}).status, 3);
   ASSERT_EQ(shell("mkdir empty").status, 0);

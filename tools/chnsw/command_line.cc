@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <map>
 #include <memory>
 #include <sstream>
@@ -53,6 +54,27 @@ constexpr char kCommonOptions[] = "chnsw --help tells the options of every comma
 // Options live as long as the command that was made from them.
 template <typename options>
 using shared_options = std::shared_ptr<options>;
+
+// A decimal number from lowest to highest; CLI11 tells bounds of its own in full, even those of all numbers.
+template <typename number>
+CLI::Validator between(number lowest, number highest) {
+  return {[lowest, highest](const std::string& word) -> std::string {
+            number read{};
+            auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), read);
+            if (error == std::errc{} && end == word.data() + word.size() && read >= lowest && read <= highest) return {};
+            return fmt::format("found \"{}\", expected a decimal number from {} to {}", word, lowest, highest);
+          },
+          ""};
+}
+
+// How often something is to be done before the command ends; 0: without end.
+CLI::Validator a_count() {
+  return between(uint64_t{0}, uint64_t{UINT32_MAX});
+}
+
+CLI::Validator seconds_to_wait() {
+  return between(0.01, 3600.0);
+}
 
 // Adds a command: what it does, and examples for its help.
 CLI::App* add_command(CLI::App& app, const std::string& name, const std::string& what, const std::string& examples) {
@@ -247,9 +269,10 @@ void add_file_commands(CLI::App& app, parsed_command_line& line) {
   watch
       ->add_option("--interval", watch_with->interval_seconds,
                    "Seconds between looks at the change counter; 1 when left out")
+      ->check(seconds_to_wait())
       ->type_name("SECONDS");
   watch->add_option("--count", watch_with->count, "End after this many drawings; 0: go on until interrupted")
-      ->check(CLI::NonNegativeNumber)
+      ->check(a_count())
       ->type_name("N");
   runs(watch, watch_switch, watch_with, line);
 }
@@ -312,7 +335,7 @@ void add_time_commands(CLI::App& app, parsed_command_line& line) {
   tod->add_option("--at", options->at, "The host's time for them: a time, @seconds or now, the default")->type_name("TIME");
   tod->add_option("--leap-seconds", options->leap_seconds,
                   "The TOD clock counts this many leap seconds: subtracted for UTC and host seconds, 0 to 999")
-      ->check(CLI::Range(0, 999))
+      ->check(between(0, 999))
       ->type_name("N");
   tod->add_flag("--explain", options->explain, "Show the arithmetic, and how far a time stamp drifts by it");
   runs(tod, show_tod, options, line);
@@ -359,6 +382,7 @@ void add_vsans(CLI::App* sub, const std::string& name, std::string& vsans) {
 void add_timeout(CLI::App* sub, double& seconds) {
   sub->add_option("--timeout", seconds,
                   fmt::format("Seconds to wait for each of the manager's messages; {:g} when left out", seconds))
+      ->check(seconds_to_wait())
       ->type_name("SECONDS");
 }
 
@@ -427,7 +451,7 @@ void add_order_commands(CLI::App& app, parsed_command_line& line) {
                      ->check(CLI::IsMember({"check-lock", "do-swap", "unlock"}))
                      ->type_name("STEP");
   swap->add_option("--reason", swap_with->reason, "The swap status that refuses it, decimal; 1 when left out")
-      ->check(CLI::Range(uint32_t{1}, UINT32_MAX))
+      ->check(between(uint32_t{1}, UINT32_MAX))
       ->needs(refuse)
       ->type_name("N");
   add_timeout(swap, swap_with->timeout_seconds);
@@ -460,7 +484,7 @@ void add_notice_commands(CLI::App& app, parsed_command_line& line) {
                                  "  chnsw -s /tmp/director listen --count 1");
   auto listen_with = std::make_shared<listen_options>();
   listen->add_option("--count", listen_with->count, "End after this many notices; 0: go on until interrupted")
-      ->check(CLI::NonNegativeNumber)
+      ->check(a_count())
       ->type_name("N");
   runs(listen, listen_to_manager, listen_with, line);
 
@@ -480,7 +504,7 @@ void add_notice_commands(CLI::App& app, parsed_command_line& line) {
   add_interface_word(port, with->interfaces);
   add_state(port, with, "up", "down");
   port->add_option("--reason", with->reason, "Why, 0 to 255, decimal; 0 when left out")
-      ->check(CLI::Range(0, 255))
+      ->check(between(0, 255))
       ->type_name("N");
   CLI::App* enable = add_notice(*notify, line, "enable", "A port was enabled or disabled",
                                 "  chnsw -s /tmp/director notify enable fc1/1 off", notify_enable, with);

@@ -130,8 +130,6 @@ void watch(vswitch::switch_store& store, const command_context& context, const s
 } // namespace
 
 exit_code watch_switch(const command_context& context, const watch_options& options) {
-  if (!(options.interval_seconds >= 0.01 && options.interval_seconds <= 3600))
-    throw usage_error("the interval is from 0.01 to 3600 seconds");
   const std::string& folder =
       context.named_folder("it does not change by itself; watch needs a switch's folder (chnsw create)");
   try {
