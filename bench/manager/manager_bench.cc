@@ -1,9 +1,9 @@
 // Questions to the manager of a virtual switch, from another process, against a bare echo of as many bytes over the same
 // kind of socket. One at a time is latency; many under way is throughput, of which the time of one is the reciprocal.
 #include <libchnsw.h>
-#include <manager.h>
 #include <platform/tlv_aligned_array.h>
 #include <unistd.h>
+#include <vswitch/manager/manager.h>
 
 #include <cerrno>
 #include <cstdio>

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include "example_map.h"
 #include "virtual_switch_benchmarks.h"

@@ -10,7 +10,7 @@
 
 #include <libchnsw.h>
 
-#include "tlv_array.h"
+#include "vswitch/tlv_array.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // The transport's frames. The whole input is a packet.
-#include "message_frame.h"
+#include "vswitch/message_frame.h"
 
 #include <algorithm>
 
 #include "fuzz_input.h"
-#include "tlv_array.h"
+#include "vswitch/tlv_array.h"
 
 namespace {
 

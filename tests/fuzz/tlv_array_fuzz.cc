@@ -1,7 +1,7 @@
 // The virtual switch's TLV arrays: whatever a payload holds, its values lie inside it and the walk comes to an end; and a
 // value that is added is found behind all others. The first byte of an input is the length of that value, the others are
 // the payload.
-#include "tlv_array.h"
+#include "vswitch/tlv_array.h"
 
 #include <platform/tlv_aligned_array.h>
 

@@ -7,11 +7,11 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <libchnsw.h>
-#include <manager_protocol.h>
-#include <switch_store.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vswitch.h>
+#include <vswitch/manager/manager_protocol.h>
+#include <vswitch/switch_store.h>
+#include <vswitch/vswitch.h>
 
 #include <cerrno>
 #include <chrono>

@@ -1,7 +1,7 @@
 // VSAN install: which messages are taken, and what a switch makes of them.
 #include <gmock/gmock.h>
 #include <install_answer.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include <cstring>
 

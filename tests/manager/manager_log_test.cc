@@ -1,6 +1,6 @@
 // Lines of the manager's log.
 #include <gmock/gmock.h>
-#include <manager.h>
+#include <vswitch/manager/manager.h>
 
 namespace {
 

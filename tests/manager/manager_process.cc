@@ -1,11 +1,11 @@
 // manager_process FOLDER PATIENCE_MS: the manager of a switch, until SIGTERM or SIGINT. Says "ready" when it serves; logs
 // to standard error.
-#include <manager.h>
 #include <signal.h>
-#include <switch_store.h>
 #include <sys/prctl.h>
 #include <sys/signalfd.h>
-#include <vswitch.h>
+#include <vswitch/manager/manager.h>
+#include <vswitch/switch_store.h>
+#include <vswitch/vswitch.h>
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,11 +1,11 @@
 // A manager in its own process, asked through the library's senders and answered to its parsers.
 #include <gmock/gmock.h>
 #include <libchnsw.h>
-#include <manager_protocol.h>
 #include <platform/if_index.h>
-#include <switch_store.h>
 #include <unistd.h>
-#include <vswitch.h>
+#include <vswitch/manager/manager_protocol.h>
+#include <vswitch/switch_store.h>
+#include <vswitch/vswitch.h>
 
 #include <algorithm>
 #include <array>

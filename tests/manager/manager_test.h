@@ -2,11 +2,11 @@
 #ifndef TESTS_MANAGER_MANAGER_TEST_H
 #define TESTS_MANAGER_MANAGER_TEST_H
 
-#include <chassis_description.h>
-#include <interface_index.h>
 #include <platform/msgq.h>
 #include <requests.h>
 #include <sys/types.h>
+#include <vswitch/chassis_description.h>
+#include <vswitch/interface_index.h>
 
 #include <cstdint>
 #include <functional>

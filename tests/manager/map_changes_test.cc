@@ -1,7 +1,7 @@
 // What install and swap make of a port map.
 #include <gmock/gmock.h>
 #include <map_changes.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include "manager_test.h"
 

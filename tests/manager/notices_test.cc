@@ -3,7 +3,7 @@
 #include <notices.h>
 #include <platform/if_index.h>
 #include <platform/tlv_aligned_array.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include <cstring>
 

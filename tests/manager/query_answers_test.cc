@@ -1,9 +1,9 @@
 // What is answered to who asks: every field, and every payload that is not what it should be.
 #include <gmock/gmock.h>
-#include <manager_protocol.h>
 #include <platform/if_index.h>
 #include <query_answers.h>
-#include <vswitch.h>
+#include <vswitch/manager/manager_protocol.h>
+#include <vswitch/vswitch.h>
 
 #include <cstring>
 

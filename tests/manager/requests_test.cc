@@ -1,7 +1,7 @@
 // Payloads read and written without a transport.
 #include <gmock/gmock.h>
 #include <requests.h>
-#include <tlv_array.h>
+#include <vswitch/tlv_array.h>
 
 #include <cstring>
 

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <platform/if_index.h>
 #include <swap_desk.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include <cerrno>
 

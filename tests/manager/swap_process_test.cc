@@ -1,12 +1,12 @@
 // Swaps through a manager in its own process: clients that agree, refuse, die, do not answer, and get in each other's way.
 #include <gmock/gmock.h>
 #include <libchnsw.h>
-#include <manager_protocol.h>
 #include <platform/if_index.h>
 #include <signal.h>
-#include <switch_store.h>
 #include <unistd.h>
-#include <vswitch.h>
+#include <vswitch/manager/manager_protocol.h>
+#include <vswitch/switch_store.h>
+#include <vswitch/vswitch.h>
 
 #include <string>
 #include <utility>

@@ -1,15 +1,15 @@
 // No query allocates once it was asked before: neither the library nor the virtual switch behind it. The operations that hand
 // arrays to their caller are the only ones that may.
 #include <gtest/gtest.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include <chassis_file.h>
 #include <libchnsw.h>
+#include <vswitch/chassis_file.h>
 
 #include "allocation_count.h"
 

@@ -1,14 +1,14 @@
 // Services make no allocation once they have answered for the first time. The count comes from the allocator of this
 // program, or from the sanitizer's.
 #include <gmock/gmock.h>
-#include <interface_index.h>
 #include <libchnsw.h>
 #include <platform/elemdb.h>
 #include <platform/hwinv.h>
 #include <platform/if_index.h>
 #include <platform/lagmap.h>
 #include <platform/portidx.h>
-#include <vswitch.h>
+#include <vswitch/interface_index.h>
+#include <vswitch/vswitch.h>
 
 #include <cstddef>
 

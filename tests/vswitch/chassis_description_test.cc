@@ -1,6 +1,6 @@
 // How the physical ports of a chassis fill the port map.
 #include <gmock/gmock.h>
-#include <interface_index.h>
+#include <vswitch/interface_index.h>
 
 #include "test_switch.h"
 

@@ -1,6 +1,6 @@
 // docs/chassis-file.md: its files are read, and the messages that it shows are the messages that come.
-#include <chassis_file.h>
 #include <gmock/gmock.h>
+#include <vswitch/chassis_file.h>
 
 #include <sstream>
 

@@ -1,7 +1,7 @@
 // Chassis files: what a file says, and every way in which one is wrong, with its literal message.
-#include <chassis_file.h>
 #include <gmock/gmock.h>
-#include <interface_index.h>
+#include <vswitch/chassis_file.h>
+#include <vswitch/interface_index.h>
 
 #include "test_switch.h"
 

@@ -1,9 +1,9 @@
 // Processes that are served by the switch that their environment names: libvswitch.so linked, or preloaded.
 #include <gmock/gmock.h>
-#include <switch_store.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vswitch.h>
+#include <vswitch/switch_store.h>
+#include <vswitch/vswitch.h>
 
 #include "test_switch.h"
 

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <libchnsw.h>
 #include <platform/evtrc.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include <cstring>
 

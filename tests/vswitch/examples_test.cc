@@ -1,9 +1,9 @@
 // The examples are sites without a fault: every number of their maps leads to its port and back, by the library's word.
-#include <chassis_file.h>
 #include <gmock/gmock.h>
-#include <interface_index.h>
 #include <libchnsw.h>
-#include <vswitch.h>
+#include <vswitch/chassis_file.h>
+#include <vswitch/interface_index.h>
+#include <vswitch/vswitch.h>
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,6 +1,6 @@
 // Interface indexes: their bits and their names. The bits are literal here, since other programs keep them.
 #include <gmock/gmock.h>
-#include <interface_index.h>
+#include <vswitch/interface_index.h>
 
 namespace {
 

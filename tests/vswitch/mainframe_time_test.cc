@@ -1,9 +1,9 @@
 // Host times and TOD clock values as texts, and back.
-#include <chassis_file.h>
 #include <gmock/gmock.h>
-#include <mainframe_time.h>
 #include <sys/time.h>
-#include <vswitch.h>
+#include <vswitch/chassis_file.h>
+#include <vswitch/mainframe_time.h>
+#include <vswitch/vswitch.h>
 
 #include <cerrno>
 #include <ctime>

@@ -1,9 +1,9 @@
 // Who may change a switch's folder while a manager serves it, and when the manager is gone.
 #include <gmock/gmock.h>
-#include <manager_lock.h>
-#include <switch_store.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vswitch/manager_lock.h>
+#include <vswitch/switch_store.h>
 
 #include <atomic>
 #include <csignal>

@@ -1,7 +1,7 @@
 // Memory accounting: what is counted, and what is refused when.
 #include <gmock/gmock.h>
 #include <platform/memacct.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include <algorithm>
 #include <cstdint>

@@ -7,7 +7,7 @@
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include <cerrno>
 #include <cstring>

@@ -4,7 +4,7 @@
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include <cerrno>
 #include <filesystem>

@@ -4,7 +4,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/time.h>
-#include <vswitch.h>
+#include <vswitch/vswitch.h>
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
 // Node descriptors: texts filled to their length, and the 32 bytes in ASCII and in a host's code page.
 #include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <node_descriptor.h>
+#include <vswitch/node_descriptor.h>
 
 #include <cstring>
 

@@ -1,8 +1,8 @@
 // Whatever can be described comes back from a chassis file, and from the database, as it was.
-#include <chassis_file.h>
 #include <gmock/gmock.h>
-#include <interface_index.h>
-#include <switch_store.h>
+#include <vswitch/chassis_file.h>
+#include <vswitch/interface_index.h>
+#include <vswitch/switch_store.h>
 
 #include <algorithm>
 #include <random>

@@ -1,13 +1,13 @@
 // Every service of the virtual switch, with every status that it has.
 #include <gmock/gmock.h>
-#include <interface_index.h>
 #include <platform/elemdb.h>
 #include <platform/hwinv.h>
 #include <platform/if_index.h>
 #include <platform/lagmap.h>
 #include <platform/platform_info.h>
 #include <platform/portidx.h>
-#include <vswitch.h>
+#include <vswitch/interface_index.h>
+#include <vswitch/vswitch.h>
 
 #include <cerrno>
 #include <cstring>

@@ -1,12 +1,12 @@
 // One switch's folder and several processes: writers that are killed, readers of another program, a switch that is replaced.
 #include <gmock/gmock.h>
 #include <signal.h>
-#include <switch_store.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vswitch.h>
+#include <vswitch/switch_store.h>
+#include <vswitch/vswitch.h>
 
 #include <chrono>
 #include <cstring>

@@ -2,10 +2,10 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <lmdb.h>
-#include <switch_store.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vswitch/switch_store.h>
 
 #include <cstring>
 #include <filesystem>

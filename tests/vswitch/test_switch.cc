@@ -12,7 +12,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include <interface_index.h>
+#include <vswitch/interface_index.h>
 
 extern char** environ;
 

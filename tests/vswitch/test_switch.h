@@ -2,8 +2,8 @@
 #ifndef TESTS_VSWITCH_TEST_SWITCH_H
 #define TESTS_VSWITCH_TEST_SWITCH_H
 
-#include <chassis_description.h>
 #include <sys/types.h>
+#include <vswitch/chassis_description.h>
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 // TLV arrays: their bytes, their limits, and readers that stay inside whatever the bytes say.
 #include <gmock/gmock.h>
 #include <platform/tlv_aligned_array.h>
-#include <service_status.h>
-#include <tlv_array.h>
+#include <vswitch/service_status.h>
+#include <vswitch/tlv_array.h>
 
 #include <bit>
 #include <cstring>

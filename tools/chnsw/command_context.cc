@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-#include "tool_error.h"
+#include "inspect/tool_error.h"
 
 namespace chnsw_tool {
 

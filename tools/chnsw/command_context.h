@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "library_session.h"
-#include "result_document.h"
-#include "result_stream.h"
+#include "inspect/session/library_session.h"
+#include "output/result_document.h"
+#include "output/result_stream.h"
 
 namespace chnsw_tool {
 

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "command_context.h"
-#include "tool_error.h"
+#include "inspect/tool_error.h"
 
 namespace chnsw_tool {
 

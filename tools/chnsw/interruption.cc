@@ -9,7 +9,7 @@
 #include <csignal>
 #include <cstring>
 
-#include "tool_error.h"
+#include "inspect/tool_error.h"
 
 namespace chnsw_tool {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "command_line.h"
-#include "tool_error.h"
+#include "inspect/tool_error.h"
 
 namespace chnsw_tool {
 

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <memory>
 
-#include "interface_index.h"
-#include "manager_protocol.h"
-#include "vsan_set.h"
+#include "vswitch/interface_index.h"
+#include "vswitch/manager/manager_protocol.h"
+#include "vswitch/vsan_set.h"
 
 namespace vswitch {
 

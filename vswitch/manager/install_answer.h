@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "chassis_description.h"
 #include "map_changes.h"
 #include "requests.h"
-#include "switch_store.h"
+#include "vswitch/chassis_description.h"
+#include "vswitch/switch_store.h"
 
 namespace vswitch {
 

@@ -1,5 +1,5 @@
 // The manager's loop: one thread, one poll, nothing that blocks.
-#include "manager.h"
+#include "vswitch/manager/manager.h"
 
 #include <platform/if_index.h>
 #include <platform/msgq.h>
@@ -16,7 +16,6 @@
 #include <vector>
 
 #include "install_answer.h"
-#include "interface_index.h"
 #include "map_changes.h"
 #include "map_places.h"
 #include "notices.h"
@@ -24,9 +23,10 @@
 #include "query_answers.h"
 #include "requests.h"
 #include "swap_desk.h"
-#include "switch_store.h"
-#include "vsan_set.h"
-#include "vswitch.h"
+#include "vswitch/interface_index.h"
+#include "vswitch/switch_store.h"
+#include "vswitch/vsan_set.h"
+#include "vswitch/vswitch.h"
 
 namespace vswitch {
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "manager.h"
+#include "vswitch/manager/manager.h"
 
 namespace vswitch {
 

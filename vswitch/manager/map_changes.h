@@ -8,8 +8,8 @@
 #include <span>
 #include <vector>
 
-#include "chassis_description.h"
 #include "map_places.h"
+#include "vswitch/chassis_description.h"
 
 namespace vswitch {
 

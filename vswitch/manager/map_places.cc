@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "interface_index.h"
+#include "vswitch/interface_index.h"
 
 namespace vswitch {
 

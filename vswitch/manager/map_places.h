@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "chassis_description.h"
+#include "vswitch/chassis_description.h"
 
 namespace vswitch {
 

@@ -2,9 +2,9 @@
 
 #include <platform/if_index.h>
 
-#include "interface_index.h"
 #include "map_places.h"
 #include "query_answers.h"
+#include "vswitch/interface_index.h"
 
 namespace vswitch {
 

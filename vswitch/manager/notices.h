@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <string>
 
-#include "chassis_description.h"
-#include "manager_protocol.h"
 #include "requests.h"
+#include "vswitch/chassis_description.h"
+#include "vswitch/manager/manager_protocol.h"
 
 namespace vswitch {
 

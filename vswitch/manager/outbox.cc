@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "manager_protocol.h"
+#include "vswitch/manager/manager_protocol.h"
 
 namespace vswitch {
 

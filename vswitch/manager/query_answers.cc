@@ -6,10 +6,10 @@
 #include <iterator>
 #include <string>
 
-#include "interface_index.h"
-#include "manager_protocol.h"
 #include "map_places.h"
-#include "vsan_set.h"
+#include "vswitch/interface_index.h"
+#include "vswitch/manager/manager_protocol.h"
+#include "vswitch/vsan_set.h"
 
 namespace vswitch {
 

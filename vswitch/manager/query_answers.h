@@ -5,8 +5,8 @@
 
 #include <libchnsw.h>
 
-#include "chassis_description.h"
 #include "requests.h"
+#include "vswitch/chassis_description.h"
 
 namespace vswitch {
 

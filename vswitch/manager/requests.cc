@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "manager_protocol.h"
-#include "tlv_array.h"
+#include "vswitch/manager/manager_protocol.h"
+#include "vswitch/tlv_array.h"
 
 namespace vswitch {
 

@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "interface_index.h"
+#include "vswitch/interface_index.h"
 
 namespace vswitch {
 

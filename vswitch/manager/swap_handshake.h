@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "manager_protocol.h"
+#include "vswitch/manager/manager_protocol.h"
 
 namespace vswitch {
 

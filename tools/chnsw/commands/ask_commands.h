@@ -1,0 +1,27 @@
+// Questions to the manager of a switch, by the library's own messages.
+#ifndef CHNSW_ASK_COMMANDS_H
+#define CHNSW_ASK_COMMANDS_H
+
+#include <string>
+#include <vector>
+
+#include "command_context.h"
+#include "inspect/messages/manager_client.h"
+#include "inspect/tool_error.h"
+
+namespace chnsw_tool {
+
+struct ask_options {
+  std::vector<std::string> interfaces; // as in "fc3/1-48"; not of every question
+  std::string vsans;                   // of vsan-state
+  double timeout_seconds = kUsualTimeoutSeconds;
+};
+
+exit_code ask_portmap(const command_context& context, const ask_options& options);
+exit_code ask_vsans(const command_context& context, const ask_options& options);
+exit_code ask_vsan_state(const command_context& context, const ask_options& options);
+exit_code ask_rnid(const command_context& context, const ask_options& options);
+
+} // namespace chnsw_tool
+
+#endif

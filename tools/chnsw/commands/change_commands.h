@@ -1,0 +1,45 @@
+// Making a switch's folder, and changing an entry of its port map.
+#ifndef CHNSW_CHANGE_COMMANDS_H
+#define CHNSW_CHANGE_COMMANDS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "command_context.h"
+#include "inspect/tool_error.h"
+
+namespace chnsw_tool {
+
+struct create_options {
+  std::string folder;
+  std::string from;
+};
+
+// New values; no value leaves the old one, "none" takes it away.
+struct set_port_options {
+  std::string where; // an interface like fc3/5, or a port map index
+  std::optional<std::string> pn;
+  std::optional<std::string> pa;
+  std::optional<std::string> vsans;
+  std::optional<std::string> vsan;
+};
+
+struct set_binding_options {
+  std::string pn;
+  std::string interface;
+};
+
+struct set_address_options {
+  std::string pa;
+  std::string pn;
+};
+
+exit_code create_switch(const command_context& context, const create_options& options);
+exit_code set_port(const command_context& context, const set_port_options& options);
+exit_code set_binding(const command_context& context, const set_binding_options& options);
+exit_code set_address(const command_context& context, const set_address_options& options);
+
+} // namespace chnsw_tool
+
+#endif

@@ -1,0 +1,75 @@
+// The sockets of a switch's message transport: one a service point, in the folder msgq of the switch's folder.
+//   msgq/101       the socket, there while it is served (or left by a server that was killed)
+//   msgq/101.lock  locked by whoever serves; stays
+// Only one user gets in: the folder is his alone, and both sides of a connection look at who the other one is.
+#ifndef VSWITCH_MESSAGE_SOCKET_H
+#define VSWITCH_MESSAGE_SOCKET_H
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "vswitch/message_frame.h"
+
+namespace vswitch {
+
+// A file descriptor, closed with its owner.
+class descriptor {
+ public:
+  descriptor() = default;
+  explicit descriptor(int number) : number_(number) {}
+  ~descriptor() { reset(); }
+  descriptor(descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  descriptor& operator=(descriptor&& other) noexcept {
+    if (this != &other) {
+      reset();
+      number_ = std::exchange(other.number_, -1);
+    }
+    return *this;
+  }
+
+  bool open() const noexcept { return number_ >= 0; }
+  int number() const noexcept { return number_; }
+  void reset() noexcept; // leaves errno alone
+
+ private:
+  int number_ = -1;
+};
+
+// Operations return a descriptor that is not open, with errno, when they fail.
+
+// The switch's folder, as something that sockets are found through: its path may be longer than an address holds.
+descriptor hold_folder(const std::string& path) noexcept;
+
+// A socket that serves a point from now on. Its lock holds until the descriptor in lock is closed. errno: EADDRINUSE,
+// EPERM.
+descriptor serve_point(const descriptor& folder, uint32_t service_point, descriptor& lock) noexcept;
+void stop_serving(const descriptor& folder, uint32_t service_point) noexcept;
+
+// A connection to a server. errno: ECONNREFUSED, EPERM, EAGAIN when too many wait to be let in.
+descriptor connect_to_point(const descriptor& folder, uint32_t service_point) noexcept;
+
+// The next one who waits to be let in. errno: EAGAIN when nobody does, EPERM when it was another user, who was turned away.
+descriptor accept_peer(const descriptor& listener, pid_t& process) noexcept;
+
+// Whether the other side still has the connection.
+bool still_connected(const descriptor& connection) noexcept;
+
+// Returns 0 or an errno value; ECONNREFUSED when the connection is lost.
+int send_frame(const descriptor& connection, const frame_header& header, const void* payload) noexcept;
+
+// How long a receive_packet that waits does so.
+inline constexpr int kEndlessPatience = 0; // of a new connection
+void set_patience(const descriptor& connection, int ms) noexcept;
+
+// Stores at most kMaxFrameBytes of a packet. Returns the size of all of it; 0 when the connection is lost (or the packet is
+// empty, and so no frame); -1 with errno: EAGAIN, none came; EINTR, only when it may wait.
+enum class waiting { no, yes };
+ssize_t receive_packet(const descriptor& connection, void* packet, waiting may_wait) noexcept;
+
+} // namespace vswitch
+
+#endif

@@ -1,0 +1,80 @@
+// How the physical ports of a chassis fill the port map.
+#include "vswitch/chassis_description.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "vswitch/interface_index.h"
+
+namespace vswitch {
+
+port_map::port_map() {
+  pa_to_pn.fill(FICON_PMAP_NO_NUMBER);
+  port_to_pn.fill({FICON_PMAP_NO_NUMBER, FICON_PMAP_NO_NUMBER, {}});
+}
+
+bool operator==(const port_map& a, const port_map& b) {
+  static_assert(sizeof(ficon_pmap_port_entry) == 20); // no padding: entries compare as bytes
+  return std::memcmp(a.port_to_pn.data(), b.port_to_pn.data(), sizeof a.port_to_pn) == 0 &&
+         a.port_to_vsan == b.port_to_vsan && a.pa_to_pn == b.pa_to_pn && a.pn_to_if == b.pn_to_if &&
+         a.vsan_array == b.vsan_array;
+}
+
+std::array<uint16_t, kNumbers> addresses_of_ports(const port_map& map) {
+  std::array<uint16_t, kNumbers> addresses;
+  addresses.fill(FICON_PMAP_NO_NUMBER);
+  for (auto entry = map.port_to_pn.rbegin(); entry != map.port_to_pn.rend(); ++entry)
+    if (entry->pa < addresses.size()) addresses[entry->pa] = entry->pn;
+  return addresses;
+}
+
+namespace {
+
+bool holds_supervisor(const chassis_description& chassis, unsigned slot) {
+  return std::find(chassis.supervisors.begin(), chassis.supervisors.end(), slot) != chassis.supervisors.end();
+}
+
+// The slot of a line card, 0 when the chassis has fewer of them.
+unsigned slot_of_line_card(const chassis_description& chassis, unsigned number) {
+  for (unsigned slot = 1; slot <= chassis.slots(); ++slot)
+    if (!holds_supervisor(chassis, slot) && number-- == 0) return slot;
+  return 0;
+}
+
+} // namespace
+
+std::optional<unsigned> line_card_number(const chassis_description& chassis, unsigned slot) {
+  if (slot < 1 || slot > chassis.slots() || holds_supervisor(chassis, slot)) return std::nullopt;
+  auto before = std::count_if(chassis.supervisors.begin(), chassis.supervisors.end(),
+                              [slot](unsigned supervisor) { return supervisor < slot; });
+  return slot - 1 - static_cast<unsigned>(before);
+}
+
+std::optional<unsigned> port_map_index(const chassis_description& chassis, unsigned slot, unsigned port) {
+  auto number = line_card_number(chassis, slot);
+  if (!number || port < 1 || port > FICON_PMAP_PORTS_PER_LC) return std::nullopt;
+  unsigned index = *number * FICON_PMAP_PORTS_PER_LC + port - 1;
+  if (index >= FICON_PMAP_PHYS_ENTRIES) return std::nullopt;
+  return index;
+}
+
+const line_card* card_in_slot(const chassis_description& chassis, unsigned slot) {
+  auto card = std::find_if(chassis.line_cards.begin(), chassis.line_cards.end(),
+                           [slot](const line_card& candidate) { return candidate.slot == slot; });
+  return card == chassis.line_cards.end() ? nullptr : &*card;
+}
+
+bool has_port(const chassis_description& chassis, unsigned slot, unsigned port) {
+  const line_card* card = card_in_slot(chassis, slot);
+  return card != nullptr && port >= 1 && port <= card->ports;
+}
+
+std::optional<uint32_t> port_at_index(const chassis_description& chassis, unsigned index) {
+  if (index >= FICON_PMAP_PHYS_ENTRIES) return std::nullopt;
+  unsigned slot = slot_of_line_card(chassis, index / FICON_PMAP_PORTS_PER_LC);
+  unsigned port = index % FICON_PMAP_PORTS_PER_LC + 1;
+  if (!has_port(chassis, slot, port)) return std::nullopt;
+  return fc_port_index(slot, port);
+}
+
+} // namespace vswitch
