@@ -1,4 +1,5 @@
 #include "inspect/chassis/node_identity.h"
+#include "inspect/words/printable_text.h"
 
 #include <fmt/format.h>
 

@@ -8,8 +8,8 @@
 #include <map>
 #include <set>
 
+#include "exit_code.h"
 #include "inspect/port_map/port_map_walk.h"
-#include "inspect/tool_error.h"
 #include "output/port_row.h"
 #include "vswitch/interface_index.h"
 

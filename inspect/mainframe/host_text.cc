@@ -4,11 +4,12 @@
 
 #include <algorithm>
 
-#include "inspect/tool_error.h"
+#include "inspect/error.h"
+#include "inspect/words/printable_text.h"
+#include "inspect/words/status_names.h"
 #include "libchnsw.h"
-#include "output/result_document.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -43,8 +44,8 @@ std::string latin1_of_utf8(std::string_view text, std::string_view what) {
     const auto next = static_cast<unsigned char>(place + 1 < text.size() ? text[place + 1] : '\0');
     const bool is_pair = (byte == 0xC2 || byte == 0xC3) && (next & 0xC0) == 0x80;
     if (byte >= 0x80 && !is_pair)
-      throw usage_error(fmt::format("{} \"{}\", character {}: the switch's text is ISO 8859-1, which does not have it",
-                                    what, printable(text), result.size() + 1));
+      throw question_error(fmt::format("{} \"{}\", character {}: the switch's text is ISO 8859-1, which does not have it",
+                                       what, printable(text), result.size() + 1));
     result += static_cast<char>(is_pair ? (byte & 0x03) << 6 | (next & 0x3F) : byte);
     if (is_pair) ++place;
   }
@@ -59,4 +60,4 @@ std::string from_host(uint32_t codepage, std::string bytes) {
   return converted(CHAR_CONVERT_FROM_HOST, codepage, std::move(bytes));
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

@@ -5,7 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 

@@ -8,8 +8,8 @@
 #include <system_error>
 
 #include "command_context.h"
-#include "inspect/tool_error.h"
-#include "output/result_document.h"
+#include "exit_code.h"
+#include "inspect/words/printable_text.h"
 
 namespace chnsw_tool {
 
@@ -30,8 +30,9 @@ std::optional<vswitch::instant> parse_instant(std::string_view word, host_clock&
 
 void require_tod_clock_shows(std::string_view word, vswitch::instant at) {
   if (at >= vswitch::kFirstTodInstant && at <= vswitch::kLastTodInstant) return;
-  throw usage_error(fmt::format("time \"{}\" is out of range; the TOD clock reaches from {} to {}", printable(word),
-                                vswitch::utc_text(vswitch::kFirstTodInstant), vswitch::utc_text(vswitch::kLastTodInstant)));
+  throw question_error(fmt::format("time \"{}\" is out of range; the TOD clock reaches from {} to {}", printable(word),
+                                   vswitch::utc_text(vswitch::kFirstTodInstant),
+                                   vswitch::utc_text(vswitch::kLastTodInstant)));
 }
 
 std::string_view trimmed(std::string_view line) {
@@ -44,8 +45,8 @@ std::string_view trimmed(std::string_view line) {
 void add_line(size_t number, std::string_view word, host_clock& clock, moment_list& list) {
   try {
     list.moments.push_back(parse_moment(word, clock));
-  } catch (const tool_error& error) {
-    if (error.code() != kUsage) throw;
+  } catch (const inspect::error& error) {
+    if (error.failed() == failure::platform) throw;
     notice(fmt::format("line {}: {}", number, error.what()));
     list.has_bad_line = true;
   }
@@ -86,7 +87,7 @@ named_moment parse_moment(std::string_view word, host_clock& clock) {
   if (moment.tod) return moment;
   auto at = parse_instant(word, clock);
   if (!at)
-    throw usage_error(
+    throw question_error(
         fmt::format("\"{}\" is no TOD clock value and no time; expected {}, {}", printable(word), kTodForm, kTimeForms));
   require_tod_clock_shows(word, *at);
   moment.at = *at;
@@ -95,10 +96,10 @@ named_moment parse_moment(std::string_view word, host_clock& clock) {
 
 ficon_host_time parse_host_time(std::string_view word, host_clock& clock) {
   auto at = parse_instant(word, clock);
-  if (!at) throw usage_error(fmt::format("\"{}\" is no time; expected {}", printable(word), kTimeForms));
+  if (!at) throw question_error(fmt::format("\"{}\" is no time; expected {}", printable(word), kTimeForms));
   auto host = vswitch::host_time_of(*at);
   if (!host)
-    throw usage_error(fmt::format(
+    throw question_error(fmt::format(
         "time \"{}\" is out of range; the 32 bits of a host's time hold 1901-12-13T20:45:52Z to 2038-01-19T03:14:07Z",
         printable(word)));
   return *host;
@@ -107,7 +108,8 @@ ficon_host_time parse_host_time(std::string_view word, host_clock& clock) {
 uint64_t parse_tod_value(std::string_view word, host_clock& clock) {
   if (word == kNow) return vswitch::tod_of(clock.now());
   auto tod = vswitch::parse_tod(word);
-  if (!tod) throw usage_error(fmt::format("\"{}\" is no TOD clock value; expected {}, or now", printable(word), kTodForm));
+  if (!tod)
+    throw question_error(fmt::format("\"{}\" is no TOD clock value; expected {}, or now", printable(word), kTodForm));
   return *tod;
 }
 

@@ -23,13 +23,13 @@ struct named_moment {
 // One reading of the host's clock, so that every "now" of a command is the same moment.
 class host_clock {
  public:
-  vswitch::instant now(); // throws tool_error when the clock cannot be read
+  vswitch::instant now(); // throws error when the clock cannot be read
 
  private:
   std::optional<vswitch::instant> read_;
 };
 
-// "CE4F44C40DC3B000", "2015-01-05T09:07:03.9Z", "@1420448823.9" or "now". Throws a usage error that says what was expected.
+// "CE4F44C40DC3B000", "2015-01-05T09:07:03.9Z", "@1420448823.9" or "now". Throws a question error that says what was expected.
 named_moment parse_moment(std::string_view word, host_clock& clock);
 
 // The same without a TOD clock value, as a time that the host's clock can show.

@@ -9,10 +9,10 @@
 #include <cstring>
 #include <optional>
 
-#include "inspect/tool_error.h"
-#include "output/result_document.h"
+#include "inspect/error.h"
+#include "inspect/words/printable_text.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -56,13 +56,13 @@ class dump_reader {
   }
 
   std::string take_bytes() {
-    if (repeats_) throw usage_error("the dump ends before it says how often \"*\" stands");
+    if (repeats_) throw question_error("the dump ends before it says how often \"*\" stands");
     return std::move(bytes_);
   }
 
  private:
   [[noreturn]] void refuse(const std::string& why) const {
-    throw usage_error(has_lines_ ? fmt::format("line {}: {}", line_, why) : why);
+    throw question_error(has_lines_ ? fmt::format("line {}: {}", line_, why) : why);
   }
 
   // "00000010:" or "0x0010:"; "00000010" where the characters stand between bars; "000010" before bytes of two digits, or alone
@@ -154,4 +154,4 @@ std::string read_all(std::FILE* input) {
   return text;
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

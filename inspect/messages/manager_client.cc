@@ -8,12 +8,12 @@
 #include <cstring>
 #include <thread>
 
-#include "inspect/tool_error.h"
-#include "output/result_document.h"
+#include "inspect/error.h"
+#include "inspect/words/status_names.h"
 #include "vswitch/switch_store.h"
 #include "vswitch/vswitch.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -42,11 +42,8 @@ vswitch::chassis_description use_folder(const std::string& folder) {
 
 } // namespace
 
-manager_client::manager_client(const command_context& context, double timeout_seconds)
-    : folder_(context.named_folder("a manager serves a switch's folder (chnsw create)")),
-      chassis_(use_folder(folder_)),
-      timeout_(timeout_of(timeout_seconds)),
-      handle_(msgq_open(0)) {
+manager_client::manager_client(const std::string& folder, double timeout_seconds)
+    : folder_(folder), chassis_(use_folder(folder_)), timeout_(timeout_of(timeout_seconds)), handle_(msgq_open(0)) {
   if (handle_ == nullptr)
     throw platform_error(fmt::format("{}: no message can be sent: {}", folder_, std::strerror(errno)));
 }
@@ -149,4 +146,4 @@ void copy_record(msgq_message* answer, void* record, size_t size) {
   std::memcpy(record, msgq_payload_get(answer), std::min(sent, size));
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

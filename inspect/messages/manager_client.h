@@ -8,12 +8,11 @@
 #include <memory>
 #include <string>
 
-#include "command_context.h"
 #include "platform/msgq.h"
 #include "vswitch/chassis_description.h"
 #include "vswitch/manager/manager_protocol.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 inline constexpr double kUsualTimeoutSeconds = 5;
 
@@ -24,8 +23,8 @@ using received_message = std::unique_ptr<msgq_message, message_releaser>;
 
 class manager_client {
  public:
-  // Opens an end on the folder that the context names; the manager is not looked for yet. Throws tool_error.
-  manager_client(const command_context& context, double timeout_seconds);
+  // Opens an end on a switch's folder; the manager is not looked for yet. Throws error.
+  manager_client(const std::string& folder, double timeout_seconds);
   ~manager_client();
   manager_client(const manager_client&) = delete;
   manager_client& operator=(const manager_client&) = delete;
@@ -33,7 +32,7 @@ class manager_client {
   const vswitch::chassis_description& chassis() const { return chassis_; } // as it was when the end was opened
   msgq* handle() const { return handle_; }
 
-  // Each throws tool_error: there is no manager, or it does not answer in time.
+  // Each throws error: there is no manager, or it does not answer in time.
 
   // Sends by one of the library's senders, which gets the handle and the send_arg, and waits for the reply.
   using sender = std::function<uint32_t(msgq*, uintptr_t)>;
@@ -70,7 +69,7 @@ class manager_client {
 };
 
 // An answer that is one of the manager's own records, each of which begins with a result; the manager answers what it does
-// not know with a result alone, and the rest is then 0. Throws tool_error when there is not even that.
+// not know with a result alone, and the rest is then 0. Throws error when there is not even that.
 void copy_record(msgq_message* answer, void* record, size_t size);
 template <typename record>
 record record_in(msgq_message* answer) {
@@ -79,6 +78,6 @@ record record_in(msgq_message* answer) {
   return found;
 }
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

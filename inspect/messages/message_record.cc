@@ -7,17 +7,18 @@
 #include <map>
 
 #include "inspect/chassis/node_identity.h"
+#include "inspect/error.h"
 #include "inspect/mainframe/host_text.h"
 #include "inspect/messages/hex_text.h"
-#include "inspect/tool_error.h"
+#include "inspect/words/printable_text.h"
+#include "inspect/words/status_names.h"
 #include "inspect/words/target_numbers.h"
 #include "libchnsw.h"
-#include "output/result_document.h"
 #include "vswitch/interface_index.h"
 #include "vswitch/node_descriptor.h"
 #include "vswitch/tlv_array.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -64,7 +65,7 @@ std::string number_text(field_form form, uint32_t number) {
     case field_form::status:
       return status_text(number);
     case field_form::codepage:
-      return codepage_text(number);
+      return chnsw_tool::codepage_text(number);
     case field_form::interface_on_wire:
     case field_form::interface_as_is:
       return interface_text(number);
@@ -124,7 +125,7 @@ std::optional<std::string> node_field_text(std::string_view bytes, uint32_t code
   if (!is_known(codepage)) return std::nullopt;
   ficon_node_descriptor sent{};
   std::memcpy(&sent, bytes.data(), sizeof sent);
-  return node_text(identity_of(codepage, sent));
+  return chnsw_tool::node_text(chnsw_tool::identity_of(codepage, sent));
 }
 
 std::optional<std::string> bytes_text(field_form form, std::string_view bytes, uint32_t codepage) {
@@ -183,9 +184,9 @@ void require_size(const message_kind& kind, std::string_view record, size_t need
   const auto cut = std::find_if(kind.fields.begin(), kind.fields.end(),
                                 [&](const auto& field) { return end_of(field, needed) > record.size(); });
   const std::string doubt = doubt_about_order(kind, record, order);
-  throw usage_error(fmt::format("{}: {}: the record has {} of {}, not all of {} at offset {}{}{}", kind.name,
-                                missing_bytes(needed - record.size()), record.size(), counted_bytes(needed), cut->name,
-                                cut->offset, doubt.empty() ? "" : "; ", doubt));
+  throw question_error(fmt::format("{}: {}: the record has {} of {}, not all of {} at offset {}{}{}", kind.name,
+                                   missing_bytes(needed - record.size()), record.size(), counted_bytes(needed), cut->name,
+                                   cut->offset, doubt.empty() ? "" : "; ", doubt));
 }
 
 // ---- Writing ----
@@ -196,7 +197,7 @@ struct given_value {
   std::string_view text;
 
   [[noreturn]] void refuse(const std::string& expected) const {
-    throw usage_error(fmt::format("\"{}\"; expected {}", printable(text), expected));
+    throw question_error(fmt::format("\"{}\"; expected {}", printable(text), expected));
   }
 };
 
@@ -234,7 +235,7 @@ uint32_t parse_field_number(const given_value& given) {
     case field_form::interface_as_is:
       return parse_interface_or_none(given.text);
     case field_form::count:
-      throw usage_error("the interfaces are counted; give them alone");
+      throw question_error("the interfaces are counted; give them alone");
     default:
       return parse_plain_number(given);
   }
@@ -337,9 +338,9 @@ given_texts texts_of(const message_kind& kind, const std::vector<std::string>& w
     const std::string_view name = std::string_view(word).substr(0, equals);
     find_message_field(kind, name);
     if (equals == std::string::npos)
-      throw usage_error(fmt::format("field \"{}\" has no value; expected {}=VALUE", name, name));
+      throw question_error(fmt::format("field \"{}\" has no value; expected {}=VALUE", name, name));
     if (!texts.emplace(name, std::string_view(word).substr(equals + 1)).second)
-      throw usage_error(fmt::format("field \"{}\" is given twice", name));
+      throw question_error(fmt::format("field \"{}\" is given twice", name));
   }
   return texts;
 }
@@ -355,8 +356,8 @@ void write_value(const given_value& given, byte_order order, std::string& record
 void write_field(const given_value& given, byte_order order, std::string& record) {
   try {
     write_value(given, order, record);
-  } catch (const tool_error& error) {
-    throw tool_error(error.code(), fmt::format("{} of {}: {}", given.field.name, given.kind.name, error.what()));
+  } catch (const error& refused) {
+    throw error(refused.failed(), fmt::format("{} of {}: {}", given.field.name, given.kind.name, refused.what()));
   }
 }
 
@@ -379,7 +380,7 @@ constexpr size_t kSizeOffset = 4;
 constexpr size_t kCountOffset = 8;
 
 [[noreturn]] void refuse_array(size_t missing, const std::string& what) {
-  throw usage_error(fmt::format("{}: the TLV array {}", missing_bytes(missing), what));
+  throw question_error(fmt::format("{}: the TLV array {}", missing_bytes(missing), what));
 }
 
 size_t array_size(std::string_view payload, byte_order order) {
@@ -474,8 +475,8 @@ std::string value_of_array(std::string_view payload, uint16_t type, byte_order o
     there.push_back(std::to_string(found));
     place = begin + padded_length(length);
   }
-  throw usage_error(fmt::format("the TLV array holds no value of type {}; it holds {}", type,
-                                there.empty() ? "none" : fmt::format("type {}", fmt::join(there, ", "))));
+  throw question_error(fmt::format("the TLV array holds no value of type {}; it holds {}", type,
+                                   there.empty() ? "none" : fmt::format("type {}", fmt::join(there, ", "))));
 }
 
 std::string array_of_value(std::string_view value, uint16_t type, byte_order order) {
@@ -489,4 +490,4 @@ std::string array_of_value(std::string_view value, uint16_t type, byte_order ord
   return array;
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

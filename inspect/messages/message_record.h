@@ -10,7 +10,7 @@
 
 #include "inspect/messages/message_table.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 enum class byte_order { big, little };
 std::string_view order_text(byte_order order);
@@ -31,7 +31,7 @@ struct field_value {
   std::optional<std::string> text; // what it says; none when it cannot be told
 };
 
-// The fields of a record. Throws a usage error when it is too short.
+// The fields of a record. Throws a question error when it is too short.
 std::vector<field_value> read_record(const message_kind& kind, std::string_view record, byte_order order);
 
 // What the record probably is instead, when a field that is always the same has its bytes the other way round; else empty.
@@ -45,12 +45,12 @@ std::string make_record(const message_kind& kind, const std::vector<std::string>
 // The order of an array of this virtual switch; none when the payload is no array.
 std::optional<byte_order> order_of_array(std::string_view payload);
 
-// The first value of a type. Throws a usage error when there is none, or when the array is damaged.
+// The first value of a type. Throws a question error when there is none, or when the array is damaged.
 std::string value_of_array(std::string_view payload, uint16_t type, byte_order order);
 
 // An array with one value.
 std::string array_of_value(std::string_view value, uint16_t type, byte_order order);
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

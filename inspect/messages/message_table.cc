@@ -2,12 +2,12 @@
 
 #include <fmt/format.h>
 
-#include "inspect/tool_error.h"
+#include "inspect/error.h"
 #include "inspect/words/nearest_word.h"
+#include "inspect/words/printable_text.h"
 #include "libchnsw.h"
-#include "output/result_document.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -166,14 +166,14 @@ std::span<const message_kind> message_kinds() {
 
 const message_kind& find_message_kind(std::string_view name) {
   if (const auto* kind = find(message_kinds(), name)) return *kind;
-  throw usage_error(fmt::format("there is no message \"{}\"; {}", printable(name),
-                                suggestion(name, names_of(message_kinds()), "chnsw message lists them")));
+  throw question_error(fmt::format("there is no message \"{}\"; {}", printable(name),
+                                   suggestion(name, names_of(message_kinds()), "chnsw message lists them")));
 }
 
 const message_field& find_message_field(const message_kind& kind, std::string_view name) {
   if (const auto* field = find(kind.fields, name)) return *field;
   const auto names = names_of(kind.fields);
-  throw usage_error(fmt::format(
+  throw question_error(fmt::format(
       "{} has no field \"{}\"; {}", kind.name, printable(name),
       names.empty() ? "it has no payload" : suggestion(name, names, fmt::format("it has {}", fmt::join(names, ", ")))));
 }
@@ -221,4 +221,4 @@ std::string framing_text(const message_kind& kind) {
   return kind.framing == flat ? "flat" : "none";
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

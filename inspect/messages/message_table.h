@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace chnsw_tool {
+namespace inspect {
 
 // What stands in a field, and how people write it.
 enum class field_form {
@@ -52,7 +52,7 @@ struct message_kind {
 
 std::span<const message_kind> message_kinds();
 
-// Throws a usage error that suggests another name.
+// Throws a question error that suggests another name.
 const message_kind& find_message_kind(std::string_view name);
 const message_field& find_message_field(const message_kind& kind, std::string_view name);
 
@@ -66,6 +66,6 @@ std::string_view form_text(field_form form);
 // "TLV type 9", "flat", "none".
 std::string framing_text(const message_kind& kind);
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

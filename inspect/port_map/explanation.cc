@@ -1,5 +1,7 @@
 // Explaining one call of the library, and holding the explanation against its answer.
 #include "inspect/port_map/explanation.h"
+#include "inspect/words/printable_text.h"
+#include "inspect/words/status_names.h"
 
 #include <fmt/format.h>
 
@@ -7,8 +9,8 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 
+#include "exit_code.h"
 #include "inspect/port_map/library_trace.h"
-#include "inspect/tool_error.h"
 #include "platform/if_index.h"
 #include "platform/lagmap.h"
 #include "platform/portidx.h"
@@ -425,10 +427,6 @@ ordered_json data_of(const explanation& told) {
 }
 
 } // namespace
-
-port_map_tables tables_of(const library_session& session) {
-  return {session.port_to_pn(), session.port_to_vsan(), session.pn_to_if(), session.ports()};
-}
 
 explanation explain_walk(const library_session& session, const walk_question& question, bool fast) {
   library_answer answer;

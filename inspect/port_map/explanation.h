@@ -30,8 +30,6 @@ struct explanation {
   std::vector<std::string> traces;
 };
 
-port_map_tables tables_of(const library_session& session);
-
 // fast: the library reads its cached tables.
 explanation explain_walk(const library_session& session, const walk_question& question, bool fast);
 

@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -73,4 +73,4 @@ library_trace read_trace(translation what, const std::vector<std::string>& event
   return trace;
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

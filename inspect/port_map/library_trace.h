@@ -8,7 +8,7 @@
 
 #include "inspect/port_map/port_map_walk.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 // One entry as a trace names it: by its index when an address is searched for, by its interface when a number is.
 struct traced_entry {
@@ -25,6 +25,6 @@ bool makes_trace(translation what);
 
 library_trace read_trace(translation what, const std::vector<std::string>& events);
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

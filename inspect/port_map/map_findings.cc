@@ -1,5 +1,6 @@
 // Going through a port map with the library.
 #include "inspect/port_map/map_findings.h"
+#include "inspect/words/status_names.h"
 
 #include <fmt/format.h>
 
@@ -7,14 +8,14 @@
 #include <set>
 #include <tuple>
 
+#include "inspect/error.h"
 #include "inspect/port_map/explanation.h"
 #include "inspect/port_map/port_map_walk.h"
-#include "inspect/tool_error.h"
 #include "platform/lagmap.h"
 #include "platform/portidx.h"
 #include "vswitch/interface_index.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -396,4 +397,4 @@ std::vector<uint32_t> vsans_of(const vswitch::chassis_description& chassis) {
   return {vsans.begin(), vsans.end()};
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

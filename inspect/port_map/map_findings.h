@@ -9,7 +9,7 @@
 
 #include "inspect/session/library_session.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 enum class finding_kind {
   ambiguous,   // several ports answer for a number
@@ -42,6 +42,6 @@ std::vector<finding> find_in_map(const library_session& session);
 // Every VSAN that the switch has, or that its map names.
 std::vector<uint32_t> vsans_of(const vswitch::chassis_description& chassis);
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

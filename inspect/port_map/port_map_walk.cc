@@ -5,13 +5,13 @@
 
 #include <algorithm>
 
-#include "output/result_document.h"
+#include "inspect/words/status_names.h"
 #include "platform/if_index.h"
 #include "platform/lagmap.h"
 #include "platform/portidx.h"
 #include "vswitch/interface_index.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -115,7 +115,7 @@ class walk {
     seen.port_vsan = tables_.port_to_vsan[index];
     if (rules_.gives_interface) {
       seen.passed_over = why_no_candidate(seen);
-    } else if (rules_.by_address && !chnsw_tool::is_bound(entry)) {
+    } else if (rules_.by_address && !inspect::is_bound(entry)) {
       seen.passed_over = "bound to no VSAN";
     }
     seen.counts = seen.passed_over.empty();
@@ -127,7 +127,7 @@ class walk {
   // Why the entry's port cannot answer for the number; finds its interface on the way.
   std::string why_no_candidate(considered_entry& seen) const {
     bool any_port = question_.what == translation::pn_to_phyif;
-    if (!any_port && !chnsw_tool::is_bound(seen.entry)) return "bound to no VSAN";
+    if (!any_port && !inspect::is_bound(seen.entry)) return "bound to no VSAN";
     if (seen.index >= FICON_PMAP_PHYS_ENTRIES) return "no interface is bound to the number";
     uint8_t slot = 0;
     int32_t failed = ficonm_platform_lc_to_slot_b0(static_cast<uint8_t>(seen.index / FICON_PMAP_PORTS_PER_LC), &slot);
@@ -164,7 +164,7 @@ class walk {
     seen.in_vsan = true;
     ++result_.counters.in_vsan;
     last_in_vsan_.remember(answer_of(seen), seen.index);
-    if (!chnsw_tool::is_bound_to(seen.entry, *question_.vsan)) return;
+    if (!inspect::is_bound_to(seen.entry, *question_.vsan)) return;
     seen.bound = true;
     ++result_.counters.bound;
     last_bound_.remember(answer_of(seen), seen.index);
@@ -229,6 +229,10 @@ class walk {
 
 } // namespace
 
+port_map_tables tables_of(const library_session& session) {
+  return {session.port_to_pn(), session.port_to_vsan(), session.pn_to_if(), session.ports()};
+}
+
 walk_result walk_port_map(const walk_question& question, const port_map_tables& tables) {
   return walk(question, tables).run();
 }
@@ -256,4 +260,4 @@ const char* operation_name(translation what) {
   return rules_of(what).operation;
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

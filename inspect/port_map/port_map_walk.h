@@ -8,9 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "inspect/session/library_session.h"
 #include "libchnsw.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 enum class translation { pa_to_pn, pn_to_pa, pn_to_if, pn_to_phyif };
 
@@ -21,6 +22,8 @@ struct port_map_tables {
   const uint32_t* pn_to_if;
   uint32_t ports; // MAX_FICON_PORTS
 };
+
+port_map_tables tables_of(const library_session& session);
 
 struct walk_question {
   translation what;
@@ -72,6 +75,6 @@ std::vector<uint16_t> bound_vsans(const ficon_pmap_port_entry& entry);
 const char* translation_name(translation what); // "PA to PN"
 const char* operation_name(translation what);   // "ficon_pmap_get_pa_to_pn_withpvsan"
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

@@ -9,15 +9,15 @@
 #include <cstring>
 #include <memory>
 
-#include "inspect/tool_error.h"
-#include "output/result_document.h"
+#include "inspect/error.h"
+#include "inspect/words/status_names.h"
 #include "platform/platform_info.h"
 #include "vswitch/chassis_file.h"
 #include "vswitch/interface_index.h"
 #include "vswitch/switch_store.h"
 #include "vswitch/vswitch.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -163,4 +163,4 @@ bool is_beyond_port_map(uint32_t if_index) {
   return place && *place >= FICON_PMAP_PORT_ENTRIES;
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

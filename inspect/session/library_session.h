@@ -8,10 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "inspect/error.h"
 #include "libchnsw.h"
 #include "vswitch/chassis_description.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 // A chassis file, or a folder that holds a switch, as it was at one moment.
 struct opened_switch {
@@ -22,7 +23,7 @@ struct opened_switch {
 
 bool is_folder(const std::string& path);
 
-// Reads a switch, and lets the library look at the line cards of a chassis file. Throws tool_error.
+// Reads a switch, and lets the library look at the line cards of a chassis file. Throws error.
 opened_switch open_switch(const std::string& path);
 
 // From here on the library answers for this switch, frozen as it is. A folder's map may move on meanwhile; what a command
@@ -58,6 +59,6 @@ std::vector<std::string> events_during(const std::function<void()>& ask);
 std::optional<uint32_t> port_map_place(unsigned slot, unsigned port);
 bool is_beyond_port_map(uint32_t if_index);
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

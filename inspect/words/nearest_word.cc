@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -43,4 +43,4 @@ std::string suggestion(std::string_view word, const std::vector<std::string>& ca
   return nearest.empty() ? otherwise : fmt::format("did you mean \"{}\"?", nearest);
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

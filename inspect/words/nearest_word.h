@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace chnsw_tool {
+namespace inspect {
 
 // The candidate that is at most two letters from the word; empty when there is none.
 std::string nearest_word(std::string_view word, const std::vector<std::string>& candidates);
@@ -14,6 +14,6 @@ std::string nearest_word(std::string_view word, const std::vector<std::string>& 
 // "did you mean \"map\"?", or what else to say.
 std::string suggestion(std::string_view word, const std::vector<std::string>& candidates, const std::string& otherwise);
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

@@ -6,9 +6,9 @@
 #include <charconv>
 #include <functional>
 
-#include "inspect/tool_error.h"
+#include "inspect/error.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
@@ -28,7 +28,7 @@ std::string shown(const number_kind& kind, uint32_t number) {
 }
 
 [[noreturn]] void refuse(std::string_view what, const piece& at, std::string_view why) {
-  throw usage_error(fmt::format("{} \"{}\", character {}: {}", what, at.word, at.position(), why));
+  throw question_error(fmt::format("{} \"{}\", character {}: {}", what, at.word, at.position(), why));
 }
 
 [[noreturn]] void refuse_number(const number_kind& kind, const piece& at, std::string_view found) {
@@ -186,4 +186,4 @@ uint32_t parse_interface(std::string_view word) {
   return read_interface({word, word});
 }
 
-} // namespace chnsw_tool
+} // namespace inspect

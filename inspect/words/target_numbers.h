@@ -11,7 +11,7 @@
 #include "vswitch/chassis_description.h"
 #include "vswitch/interface_index.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 // One kind of number. Digits alone are read in its base; "0x" always makes them hexadecimal.
 struct number_kind {
@@ -28,7 +28,7 @@ inline constexpr number_kind kPortMapIndex = {"port map index", 10, 0, 65535, "2
 inline constexpr number_kind kVsan = {"VSAN", 10, 0, 4095, "10 or 10,20"};
 inline constexpr number_kind kSlot = {"slot", 10, 1, 255, "3 or 1-4"};
 
-// Every number of a list like {"10-1F,30", "C0"}, in the order given; "all" stands for all. Throws a usage error that says
+// Every number of a list like {"10-1F,30", "C0"}, in the order given; "all" stands for all. Throws a question error that says
 // which word, where in it, and what was expected.
 std::vector<uint32_t> parse_numbers(const number_kind& kind, const std::vector<std::string>& words,
                                     const std::vector<uint32_t>& all);
@@ -45,6 +45,6 @@ std::vector<vswitch::fc_port> parse_ports(const vswitch::chassis_description& ch
 std::vector<uint32_t> parse_interfaces(const vswitch::chassis_description& chassis, const std::vector<std::string>& words);
 uint32_t parse_interface(std::string_view word);
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

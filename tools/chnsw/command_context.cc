@@ -5,13 +5,14 @@
 
 #include <cstdio>
 
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 
 const std::string& command_context::named_switch() const {
   if (switch_path.empty())
-    throw usage_error("no switch is named; name a chassis file or a switch's folder with --switch PATH or in CHNSW_SWITCH");
+    throw question_error(
+        "no switch is named; name a chassis file or a switch's folder with --switch PATH or in CHNSW_SWITCH");
   return switch_path;
 }
 
@@ -19,9 +20,13 @@ const std::string& command_context::named_folder(const std::string& reason) cons
   const std::string& path = named_switch();
   if (!is_folder(path)) {
     opened_switch opened = open_switch(path);
-    throw usage_error(fmt::format("{} is a chassis file: {}", opened.path, reason));
+    throw question_error(fmt::format("{} is a chassis file: {}", opened.path, reason));
   }
   return path;
+}
+
+const std::string& managed_folder(const command_context& context) {
+  return context.named_folder("a manager serves a switch's folder (chnsw create)");
 }
 
 void notice(const std::string& text) {

@@ -25,6 +25,9 @@ struct command_context {
   void print(const result_document& document) const { results.write(render(document, style)); }
 };
 
+// The folder of the switch that a manager serves, or a usage error.
+const std::string& managed_folder(const command_context& context);
+
 // A line on standard error, under the tool's name.
 void notice(const std::string& text);
 

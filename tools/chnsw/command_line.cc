@@ -643,7 +643,7 @@ std::string first_word(int argc, char** argv) {
 void check_command(const CLI::App& app, const std::string& word) {
   const auto names = command_names(app);
   if (word.empty() || std::find(names.begin(), names.end(), word) != names.end()) return;
-  throw usage_error(
+  throw question_error(
       fmt::format("there is no command \"{}\"; {}", word, suggestion(word, names, "chnsw --help lists them")));
 }
 
@@ -702,7 +702,8 @@ parsed_command_line parse_command_line(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;
     std::ostringstream ignored;
-    if (error.get_exit_code() != 0) throw usage_error(fmt::format("{}; see {}", complaint(app, error), help_command(app)));
+    if (error.get_exit_code() != 0)
+      throw question_error(fmt::format("{}; see {}", complaint(app, error), help_command(app)));
     app.exit(error, out, ignored);
     line.text = out.str();
   }

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "command_context.h"
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 
@@ -21,7 +21,7 @@ struct parsed_command_line {
   std::string text; // help or version, printed instead of running a command
 };
 
-// Throws tool_error with a message that says what was wrong.
+// Throws inspect::error with a message that says what was wrong.
 parsed_command_line parse_command_line(int argc, char** argv);
 
 } // namespace chnsw_tool

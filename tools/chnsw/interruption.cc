@@ -9,7 +9,7 @@
 #include <csignal>
 #include <cstring>
 
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "command_line.h"
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 
@@ -34,8 +34,8 @@ exit_code run(int argc, char** argv, result_stream& results) {
   return line.run({results, {line.format, wants_colour(line.colour, results)}, line.switch_path});
 }
 
-void tell(const tool_error& error) {
-  if (error.names_place())
+void tell(const inspect::error& error) {
+  if (error.failed() == failure::file)
     std::fputs(fmt::format("{}\n", error.what()).c_str(), stderr);
   else if (*error.what() != '\0')
     notice(error.what());
@@ -49,9 +49,9 @@ int main(int argc, char** argv) {
   try {
     chnsw_tool::result_stream results;
     return chnsw_tool::run(argc, argv, results);
-  } catch (const chnsw_tool::tool_error& error) {
+  } catch (const inspect::error& error) {
     chnsw_tool::tell(error);
-    return error.code();
+    return chnsw_tool::exit_code_of(error);
   } catch (const std::exception& error) {
     chnsw_tool::notice(fmt::format("failed: {}", error.what()));
     return chnsw_tool::kPlatform;

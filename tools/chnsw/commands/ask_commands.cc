@@ -1,5 +1,7 @@
 // ask: port map entries, enabled VSANs, states in VSANs, node descriptors.
 #include "commands/ask_commands.h"
+#include "inspect/words/printable_text.h"
+#include "inspect/words/status_names.h"
 
 #include <fmt/format.h>
 
@@ -162,7 +164,7 @@ exit_code code_of(bool all_well, bool any) {
 } // namespace
 
 exit_code ask_portmap(const command_context& context, const ask_options& options) {
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   result_document document{{{"interface", "INTERFACE"},
                             {"if_index", "IF-INDEX", 8, true},
                             {"pn", "PN", 2},
@@ -177,7 +179,7 @@ exit_code ask_portmap(const command_context& context, const ask_options& options
 }
 
 exit_code ask_vsans(const command_context& context, const ask_options& options) {
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   auto answer = manager.ask([](msgq* handle, uintptr_t send_arg) {
     return static_cast<uint32_t>(ficon_send_get_enabled_vsans(handle, send_arg));
   });
@@ -188,7 +190,7 @@ exit_code ask_vsans(const command_context& context, const ask_options& options) 
 }
 
 exit_code ask_vsan_state(const command_context& context, const ask_options& options) {
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   result_document document{{{"interface", "INTERFACE"},
                             {"if_index", "IF-INDEX", 8, true},
                             {"vsan", "VSAN"},
@@ -207,7 +209,7 @@ exit_code ask_vsan_state(const command_context& context, const ask_options& opti
 }
 
 exit_code ask_rnid(const command_context& context, const ask_options& options) {
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   std::vector<asked_node> nodes;
   bool all_well = true;
   for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces)) {

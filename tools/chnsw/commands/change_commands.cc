@@ -27,8 +27,8 @@ uint16_t number_or_none(const number_kind& kind, const std::string& word) {
   if (word == kNone) return FICON_PMAP_NO_NUMBER;
   const uint32_t number = parse_number(kind, word);
   if (number == FICON_PMAP_NO_NUMBER)
-    throw usage_error(fmt::format("{} \"{}\" is {}, which the port map takes for no number; write {} if you mean that",
-                                  kind.what, word, number, kNone));
+    throw question_error(fmt::format("{} \"{}\" is {}, which the port map takes for no number; write {} if you mean that",
+                                     kind.what, word, number, kNone));
   return static_cast<uint16_t>(number);
 }
 
@@ -36,7 +36,7 @@ uint16_t number_or_none(const number_kind& kind, const std::string& word) {
 void print_done(const command_context& context, const result_document& document, const std::string& what) {
   try {
     context.print(document);
-  } catch (const tool_error&) {
+  } catch (const error&) {
     notice(what);
     throw;
   }
@@ -46,8 +46,8 @@ std::vector<uint32_t> vsans_or_none(const std::string& word) {
   if (word == kNone) return {};
   auto vsans = parse_numbers(kRealVsan, {word}, {});
   if (vsans.empty() || vsans.size() > FICON_PMAP_VSAN_SLOTS)
-    throw usage_error(fmt::format("VSANs \"{}\": found {}; a port is bound to 1 to {} VSANs, or none", word, vsans.size(),
-                                  int{FICON_PMAP_VSAN_SLOTS}));
+    throw question_error(fmt::format("VSANs \"{}\": found {}; a port is bound to 1 to {} VSANs, or none", word,
+                                     vsans.size(), int{FICON_PMAP_VSAN_SLOTS}));
   return vsans;
 }
 
@@ -57,12 +57,12 @@ uint32_t place_of(const chassis_description& chassis, const std::string& where) 
   if (!where.starts_with("fc")) return parse_number(kPlace, where);
   auto port = vswitch::fc_port_of(parse_interface(where));
   if (!port)
-    throw usage_error(
+    throw question_error(
         fmt::format("port \"{}\" is not a physical port; name it like fc3/5, or by its port map index", where));
   if (!vswitch::has_port(chassis, port->slot, port->port))
-    throw usage_error(fmt::format("port {} is not there; chnsw info lists the cards and their ports", where));
+    throw question_error(fmt::format("port {} is not there; chnsw info lists the cards and their ports", where));
   auto index = vswitch::port_map_index(chassis, port->slot, port->port);
-  if (!index) throw usage_error(fmt::format("port {} has no place in the port map, which ends before it", where));
+  if (!index) throw question_error(fmt::format("port {} has no place in the port map, which ends before it", where));
   return *index;
 }
 
@@ -155,7 +155,7 @@ exit_code create_switch(const command_context& context, const create_options& op
 
 exit_code set_port(const command_context& context, const set_port_options& options) {
   if (!options.pn && !options.pa && !options.vsans && !options.vsan)
-    throw usage_error("nothing to set; give --pn, --pa, --vsans or --vsan");
+    throw question_error("nothing to set; give --pn, --pa, --vsans or --vsan");
   return change_folder(context, [&](const chassis_description& chassis) -> std::function<void(port_map&)> {
     uint32_t index = place_of(chassis, options.where);
     ficon_pmap_port_entry values{};
@@ -186,7 +186,7 @@ exit_code set_binding(const command_context& context, const set_binding_options&
                       : std::any_of(chassis.interfaces.begin(), chassis.interfaces.end(),
                                     [&](const auto& known) { return known.if_index == interface; });
     if (interface != 0 && !there)
-      throw usage_error(fmt::format("there is no {}; chnsw info lists cards and logical interfaces", options.interface));
+      throw question_error(fmt::format("there is no {}; chnsw info lists cards and logical interfaces", options.interface));
     return [=](port_map& map) { map.pn_to_if[pn] = interface; };
   });
 }

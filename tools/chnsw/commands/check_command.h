@@ -3,7 +3,7 @@
 #define CHNSW_CHECK_COMMAND_H
 
 #include "command_context.h"
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 

@@ -1,4 +1,5 @@
 #include "commands/codepage_command.h"
+#include "inspect/words/printable_text.h"
 
 #include <fmt/format.h>
 
@@ -40,7 +41,7 @@ std::vector<uint32_t> pages_of(const std::vector<std::string>& words) {
   auto pages = parse_numbers(kCodepage, words, known);
   for (uint32_t page : pages)
     if (std::find(known.begin(), known.end(), page) == known.end())
-      throw usage_error(
+      throw question_error(
           fmt::format("the library knows no code page {}; it knows {}", page, fmt::join(known.begin(), known.end(), ", ")));
   return pages;
 }
@@ -206,7 +207,7 @@ exit_code convert_bytes(const command_context& context, const std::vector<uint32
 
 exit_code show_codepages(const command_context& context, const codepage_options& options) {
   const bool converts = !options.to_host.empty() || !options.from_host.empty();
-  if (options.pages.empty() && converts) throw usage_error("name the code page of the text, as in chnsw codepage 37");
+  if (options.pages.empty() && converts) throw question_error("name the code page of the text, as in chnsw codepage 37");
   if (options.pages.empty()) return list_pages(context);
   const auto pages = pages_of(options.pages);
   if (!options.to_host.empty()) return convert_texts(context, pages, options);

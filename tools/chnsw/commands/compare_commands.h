@@ -5,7 +5,7 @@
 #include <string>
 
 #include "command_context.h"
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 

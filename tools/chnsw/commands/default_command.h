@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "command_context.h"
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 

@@ -1,5 +1,6 @@
 // The chassis as a record with parts.
 #include "commands/info_command.h"
+#include "inspect/words/printable_text.h"
 
 #include <fmt/format.h>
 

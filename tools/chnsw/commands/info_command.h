@@ -4,7 +4,7 @@
 
 #include "command_context.h"
 #include "commands/map_commands.h"
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 

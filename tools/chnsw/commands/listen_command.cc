@@ -137,7 +137,7 @@ void add_what_comes(const command_context& context, manager_client& manager, con
 
 exit_code listen_to_manager(const command_context& context, const listen_options& options) {
   const interruption stop;
-  manager_client manager(context, kUsualTimeoutSeconds);
+  manager_client manager(managed_folder(context), kUsualTimeoutSeconds);
   manager.connect_to_notices();
   notice(fmt::format("listening to the manager of {}", context.named_switch()));
   row_stream rows(context, notice_columns());

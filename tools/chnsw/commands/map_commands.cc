@@ -1,5 +1,6 @@
 // Lists and walks over the port map.
 #include "commands/map_commands.h"
+#include "inspect/words/status_names.h"
 
 #include <fmt/format.h>
 

@@ -61,8 +61,8 @@ found_record record_in(const message_kind& kind, const std::string& payload, con
   const auto order = order_of_array(payload);
   if (kind.framing != message_framing::tlv || options.value_alone || !order) return {payload, order_named(options.order)};
   if (!options.order.empty() && order != order_named(options.order))
-    throw usage_error(fmt::format("the TLV array is in {}-endian order; leave --byte-order out, or say --byte-order {}",
-                                  order_text(*order), order_text(*order)));
+    throw question_error(fmt::format("the TLV array is in {}-endian order; leave --byte-order out, or say --byte-order {}",
+                                     order_text(*order), order_text(*order)));
   return {value_of_array(payload, kind.tlv_type, *order), *order};
 }
 
@@ -93,7 +93,7 @@ void tell_no_payload(const message_kind& kind) {
 
 void require_payload(const message_kind& kind, const std::string& payload) {
   if (kind.framing == message_framing::none && !payload.empty())
-    throw usage_error(fmt::format("{} has no payload; expected no bytes and not {}", kind.name, payload.size()));
+    throw question_error(fmt::format("{} has no payload; expected no bytes and not {}", kind.name, payload.size()));
 }
 
 // ---- The other way ----

@@ -99,11 +99,11 @@ void set_state(ordered_notice& notice, const std::string& state) {
 } // namespace
 
 exit_code install_vsans(const command_context& context, const install_options& options) {
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   const auto vsans = parse_numbers(kVsan, {options.vsans}, vsans_of(manager.chassis()));
   const auto if_indexes = parse_interfaces(manager.chassis(), options.interfaces);
   if (vsans.empty() || if_indexes.empty())
-    throw usage_error("this switch has no VSANs, or no interfaces, that \"all\" means");
+    throw question_error("this switch has no VSANs, or no interfaces, that \"all\" means");
   const uint8_t what = options.uninstall ? vswitch::kUninstall : vswitch::kInstall;
   auto answer = manager.ask_unmarked([&](msgq* handle) { return send_install(handle, vsans, if_indexes, what); });
   const auto result = record_in<vswitch::manager_result>(answer.get());
@@ -116,7 +116,7 @@ exit_code install_vsans(const command_context& context, const install_options& o
 }
 
 exit_code notify_vsan(const command_context& context, const notify_options& options) {
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   std::vector<ordered_notice> notices;
   for (uint32_t vsan : parse_numbers(kVsan, {options.vsans}, vsans_of(manager.chassis()))) {
     ordered_notice notice;
@@ -131,7 +131,7 @@ exit_code notify_vsan(const command_context& context, const notify_options& opti
 }
 
 exit_code notify_port(const command_context& context, const notify_options& options) {
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   std::vector<ordered_notice> notices;
   for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces)) {
     notices.push_back(about_interface(vswitch::kOpPortUpDown, "port", if_index));
@@ -143,7 +143,7 @@ exit_code notify_port(const command_context& context, const notify_options& opti
 }
 
 exit_code notify_enable(const command_context& context, const notify_options& options) {
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   std::vector<ordered_notice> notices;
   for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces)) {
     notices.push_back(about_interface(vswitch::kOpPortEnable, "enable", if_index));
@@ -153,7 +153,7 @@ exit_code notify_enable(const command_context& context, const notify_options& op
 }
 
 exit_code notify_rnid(const command_context& context, const notify_options& options) {
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   std::vector<ordered_notice> notices;
   for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces))
     notices.push_back(about_interface(vswitch::kOpRnidNotification, "rnid", if_index));

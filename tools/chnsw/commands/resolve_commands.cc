@@ -1,5 +1,6 @@
 // Which port, number, address and interface belong together, asked from any side.
 #include "commands/resolve_commands.h"
+#include "inspect/words/status_names.h"
 
 #include <fmt/format.h>
 

@@ -111,7 +111,7 @@ class swap_client {
 exit_code swap_interfaces(const command_context& context, const swap_options& options) {
   const uint32_t a = parse_interface(options.a);
   const uint32_t b = parse_interface(options.b);
-  manager_client manager(context, options.timeout_seconds);
+  manager_client manager(managed_folder(context), options.timeout_seconds);
   const vswitch::swap_order order = {hton_if_index(a), hton_if_index(b)};
   manager.send(vswitch::kOpSwap, &order, sizeof order);
   row_stream rows(context, swap_columns());

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "command_context.h"
+#include "exit_code.h"
 #include "inspect/messages/manager_client.h"
-#include "inspect/tool_error.h"
 
 namespace chnsw_tool {
 

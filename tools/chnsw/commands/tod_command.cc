@@ -1,5 +1,6 @@
 // tod and set time.
 #include "commands/tod_command.h"
+#include "inspect/words/status_names.h"
 
 #include <fmt/format.h>
 
@@ -63,7 +64,7 @@ uint64_t tod_of(const named_moment& moment, unsigned leap_seconds) {
   if (moment.tod) return *moment.tod;
   const instant ahead{moment.at.microseconds + leap_seconds * vswitch::kMicrosecondsPerSecond};
   if (ahead > vswitch::kLastTodInstant)
-    throw usage_error(
+    throw question_error(
         fmt::format("time \"{}\" with {} leap seconds is beyond the end of the TOD clock", moment.word, leap_seconds));
   return tod_by_library(ahead);
 }
@@ -227,7 +228,7 @@ exit_code show_stamps(const command_context& context, const tod_options& options
 
 std::optional<time_reference> new_reference(const set_time_options& options) {
   if (options.host_time == kNone) {
-    if (!options.tod.empty()) throw usage_error("a TOD clock value belongs to a host time; none takes both away");
+    if (!options.tod.empty()) throw question_error("a TOD clock value belongs to a host time; none takes both away");
     return std::nullopt;
   }
   host_clock clock;
@@ -260,10 +261,11 @@ void print_change(const command_context& context, uint32_t vsan, const std::opti
 
 exit_code show_tod(const command_context& context, const tod_options& options) {
   if (options.vsans.empty() == options.what.empty())
-    throw usage_error(options.what.empty() ? "nothing to convert; give TOD clock values or times, - to read them, or --vsan"
-                                           : "give times to convert or --vsan, not both; --at names a time stamp's time");
+    throw question_error(options.what.empty()
+                             ? "nothing to convert; give TOD clock values or times, - to read them, or --vsan"
+                             : "give times to convert or --vsan, not both; --at names a time stamp's time");
   if (options.vsans.empty() && !options.at.empty())
-    throw usage_error("--at is the time of a VSAN's time stamp; give --vsan");
+    throw question_error("--at is the time of a VSAN's time stamp; give --vsan");
   return options.vsans.empty() ? show_moments(context, options) : show_stamps(context, options);
 }
 

@@ -1,5 +1,6 @@
 // Watching the change counter.
 #include "commands/watch_command.h"
+#include "inspect/words/printable_text.h"
 
 #include <fmt/format.h>
 

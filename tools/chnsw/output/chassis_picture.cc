@@ -1,5 +1,6 @@
 // Drawing the chassis front.
 #include "output/chassis_picture.h"
+#include "inspect/words/printable_text.h"
 
 #include <fmt/format.h>
 

@@ -1,10 +1,11 @@
 // The row about one port.
 #include "output/port_row.h"
+#include "inspect/words/status_names.h"
 
 #include <fmt/format.h>
 
+#include "exit_code.h"
 #include "inspect/port_map/port_map_walk.h"
-#include "inspect/tool_error.h"
 #include "vswitch/interface_index.h"
 
 namespace chnsw_tool {

@@ -8,46 +8,13 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "libchnsw.h"
-#include "platform/lagmap.h"
-#include "platform/portidx.h"
-#include "vswitch/interface_index.h"
-#include "vswitch/service_status.h"
-
+#include "inspect/words/printable_text.h"
+#include "inspect/words/status_names.h"
 namespace chnsw_tool {
 
 namespace {
 
 using nlohmann::ordered_json;
-
-struct named_status {
-  uint32_t code;
-  std::string_view name;
-};
-
-constexpr named_status kStatusNames[] = {
-    {0, "OK"},
-    {FICON_RC_NO_MEMORY, "FICON_RC_NO_MEMORY"},
-    {FICON_RC_NOT_FC_PORT, "FICON_RC_NOT_FC_PORT"},
-    {FICON_RC_BASE, "FICON_RC_BASE"},
-    {FICON_RC_INVALID_ARG, "FICON_RC_INVALID_ARG"},
-    {FICON_RC_NO_PAYLOAD, "FICON_RC_NO_PAYLOAD"},
-    {FICON_RC_PLATFORM, "FICON_RC_PLATFORM"},
-    {FICON_RC_PA_RANGE, "FICON_RC_PA_RANGE"},
-    {FICON_RC_PN_RANGE, "FICON_RC_PN_RANGE"},
-    {FICON_RC_LAG_MEMBER, "FICON_RC_LAG_MEMBER"},
-    {FICON_RC_CONVERT, "FICON_RC_CONVERT"},
-    {FICON_RC_NOT_ASSOCIATED, "FICON_RC_NOT_ASSOCIATED"},
-    {FICON_RC_NO_IF, "FICON_RC_NO_IF"},
-    {FICON_RC_MULTI_IF, "FICON_RC_MULTI_IF"},
-    {FICON_PORTIDX_NO_PORT, "FICON_PORTIDX_NO_PORT"},
-    {FICON_LAGMAP_NOT_MEMBER, "FICON_LAGMAP_NOT_MEMBER"},
-    // Of this platform's own services.
-    {vswitch::kIfIndexUnknown, "IF_INDEX_UNKNOWN"},
-    {vswitch::kIfIndexNotPhysical, "IF_INDEX_NOT_PHYSICAL"},
-    {vswitch::kIfIndexNoSuchSlot, "IF_INDEX_NO_SUCH_SLOT"},
-    {vswitch::kLagmapUnknownPort, "LAGMAP_UNKNOWN_PORT"},
-};
 
 // ---- Data ----
 
@@ -306,41 +273,6 @@ std::string growing_row(const std::vector<column>& columns, const result_row& ro
 }
 
 } // namespace
-
-std::string_view status_name(uint32_t code) {
-  for (const auto& known : kStatusNames)
-    if (known.code == code) return known.name;
-  return "platform status";
-}
-
-std::string status_text(uint32_t code) {
-  return code == 0 ? "OK 0" : fmt::format("{} {}", status_name(code), hex_text(code, 8));
-}
-
-std::string printable(std::string_view text) {
-  std::string result;
-  for (size_t i = 0; i < text.size(); ++i) {
-    auto byte = static_cast<unsigned char>(text[i]);
-    auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : '\0');
-    if (byte < 0x20 || byte == 0x7F)
-      result += fmt::format("\\x{:02X}", byte);
-    else if (byte == 0xC2 && next >= 0x80 && next < 0xA0) // U+0080 to U+009F: control characters too
-      result += fmt::format("\\x{:02X}", static_cast<unsigned char>(text[++i]));
-    else
-      result += text[i];
-  }
-  return result;
-}
-
-std::string utf8_of_latin1(std::string_view text) {
-  std::string result;
-  for (char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x80) result += static_cast<char>(0xC0 | byte >> 6);
-    result += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
-  }
-  return result;
-}
 
 std::string coloured(std::string_view text, tone colour, bool enabled) {
   constexpr std::string_view kCodes[] = {"", "32", "31", "2", "1"};

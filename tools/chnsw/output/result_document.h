@@ -11,6 +11,8 @@
 #include <variant>
 #include <vector>
 
+#include "inspect/error.h"
+
 namespace chnsw_tool {
 
 enum class output_format { table, json, jsonl, csv };
@@ -24,8 +26,6 @@ struct output_style {
 struct status {
   uint32_t code = 0;
 };
-std::string_view status_name(uint32_t code);
-std::string status_text(uint32_t code); // "FICON_RC_NO_IF 0x4085004A", "OK 0"
 
 enum class tone { plain, good, bad, faint, strong };
 
@@ -82,9 +82,6 @@ std::string stream_begin(const std::vector<column>& columns, const output_style&
 std::string stream_row(const std::vector<column>& columns, const result_row& row, bool first, const output_style& style);
 std::string stream_end(bool any_row, const output_style& style);
 
-// Text as it may stand in a terminal: control characters are shown, not obeyed.
-std::string printable(std::string_view text);
-std::string utf8_of_latin1(std::string_view text); // the switch's own text, ISO 8859-1, as results hold it
 std::string coloured(std::string_view text, tone colour, bool enabled);
 
 } // namespace chnsw_tool

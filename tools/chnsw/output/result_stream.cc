@@ -12,7 +12,7 @@
 #include <cstring>
 #include <vector>
 
-#include "inspect/tool_error.h"
+#include "exit_code.h"
 
 namespace chnsw_tool {
 

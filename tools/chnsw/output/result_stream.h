@@ -21,7 +21,7 @@ class result_stream {
   // when the reader goes away meanwhile.
   void wait(std::initializer_list<int> descriptors, int timeout_ms) const;
 
-  // Throws tool_error when not everything could be written; its message is empty when the reader has gone away.
+  // Throws inspect::error when not everything could be written; its message is empty when the reader has gone away.
   void write(std::string_view text);
 
  private:
