@@ -26,5 +26,5 @@ foreach(library IN ITEMS libchnsw libvswitch)
 endforeach()
 
 install(FILES docs/man/chnsw.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES tools/chnsw/completion/chnsw.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME chnsw)
+install(FILES tools/chnsw/chnsw.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME chnsw)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/chnsw)

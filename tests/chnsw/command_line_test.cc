@@ -232,7 +232,7 @@ TEST_F(CommandLine, RowsOfWhatIsFoundFitAHundredColumns) {
 // ---- Completion and man page ----
 
 std::string completions(const std::string& words) {
-  return "source " CHNSW_SOURCE_DIR "/tools/chnsw/completion/chnsw.bash; COMP_WORDS=(" + words +
+  return "source " CHNSW_SOURCE_DIR "/tools/chnsw/chnsw.bash; COMP_WORDS=(" + words +
          "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _chnsw; printf '%s\\n' \"${COMPREPLY[@]}\"";
 }
 

@@ -7,11 +7,15 @@
 #include <string_view>
 
 #include "command_line.h"
+#include "completion.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
 
 namespace {
+
+// What a shell asks for while a command line is being typed; what follows is that line.
+constexpr std::string_view kComplete = "--complete";
 
 bool is_set(const char* name) {
   const char* value = std::getenv(name);
@@ -25,13 +29,23 @@ bool wants_colour(const std::string& choice, const result_stream& results) {
   return !is_set("NO_COLOR") && !dumb && results.is_terminal();
 }
 
+output_format format_named(const std::string& name) {
+  if (name == "json") return output_format::json;
+  if (name == "jsonl") return output_format::jsonl;
+  return name == "csv" ? output_format::csv : output_format::table;
+}
+
 exit_code run(int argc, char** argv, result_stream& results) {
+  if (argc > 1 && std::string_view(argv[1]) == kComplete) {
+    results.write(completion_text(complete(std::vector<std::string>(argv + 2, argv + argc))));
+    return kFound;
+  }
   parsed_command_line line = parse_command_line(argc, argv);
   if (!line.text.empty()) {
     results.write(line.text);
     return kFound;
   }
-  return line.run({results, {line.format, wants_colour(line.colour, results)}, line.switch_path});
+  return line.run({results, {format_named(line.format), wants_colour(line.colour, results)}, line.switch_path});
 }
 
 void tell(const inspect::error& error) {

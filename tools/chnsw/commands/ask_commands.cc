@@ -220,4 +220,67 @@ exit_code ask_rnid(const command_context& context, const ask_options& options) {
   return code_of(all_well, !nodes.empty());
 }
 
+// ---- The commands ----
+
+namespace {
+
+command ask_portmap_command() {
+  auto options = std::make_shared<ask_options>();
+  return {.name = "portmap",
+          .what = "Port numbers and port addresses of interfaces",
+          .examples =
+              "  chnsw -s /tmp/director ask portmap fc1/1-4,port-channel5\n"
+              "  chnsw -s /tmp/director ask portmap all --format csv",
+          .arguments = {interfaces_word(&options->interfaces), timeout_option(&options->timeout_seconds)},
+          .run = runs(ask_portmap, options),
+          .parts = {}};
+}
+
+command ask_vsans_command() {
+  auto options = std::make_shared<ask_options>();
+  return {.name = "vsans",
+          .what = "The enabled VSANs",
+          .examples = "  chnsw -s /tmp/director ask vsans --format json",
+          .arguments = {timeout_option(&options->timeout_seconds)},
+          .run = runs(ask_vsans, options),
+          .parts = {}};
+}
+
+command ask_vsan_state_command() {
+  auto options = std::make_shared<ask_options>();
+  return {.name = "vsan-state",
+          .what = "Whether interfaces are in VSANs, and bound to them",
+          .examples =
+              "  chnsw -s /tmp/director ask vsan-state fc1/1-4 10,20\n"
+              "  chnsw -s /tmp/director ask vsan-state fc1/1 all --timeout 0.5",
+          .arguments = {interfaces_word(&options->interfaces).single(), vsans_word(&options->vsans),
+                        timeout_option(&options->timeout_seconds)},
+          .run = runs(ask_vsan_state, options),
+          .parts = {}};
+}
+
+command ask_rnid_command() {
+  auto options = std::make_shared<ask_options>();
+  return {.name = "rnid",
+          .what = "What the devices behind interfaces say they are",
+          .examples = "  chnsw -s /tmp/director ask rnid fc3/1\n  chnsw -s /tmp/director ask rnid all --format jsonl",
+          .arguments = {interfaces_word(&options->interfaces), timeout_option(&options->timeout_seconds)},
+          .run = runs(ask_rnid, options),
+          .parts = {}};
+}
+
+} // namespace
+
+command ask_command() {
+  return {.name = "ask",
+          .what = "Ask the manager of a switch's folder, by the library's own messages",
+          .examples =
+              "  chnsw -s /tmp/director ask portmap fc1/1-4\n  chnsw -s /tmp/director ask vsans\n"
+              "  chnsw -s /tmp/director ask vsan-state fc1/1-4 10,20\n"
+              "  chnsw -s /tmp/director ask rnid fc3/1",
+          .arguments = {},
+          .run = {},
+          .parts = {ask_portmap_command(), ask_vsans_command(), ask_vsan_state_command(), ask_rnid_command()}};
+}
+
 } // namespace chnsw_tool

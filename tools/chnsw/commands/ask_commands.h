@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 #include "inspect/messages/manager_client.h"
 
@@ -21,6 +22,8 @@ exit_code ask_portmap(const command_context& context, const ask_options& options
 exit_code ask_vsans(const command_context& context, const ask_options& options);
 exit_code ask_vsan_state(const command_context& context, const ask_options& options);
 exit_code ask_rnid(const command_context& context, const ask_options& options);
+
+command ask_command(); // ask portmap, vsans, vsan-state, rnid
 
 } // namespace chnsw_tool
 

@@ -3,6 +3,8 @@
 
 #include <fmt/format.h>
 
+#include "commands/tod_command.h"
+
 #include <algorithm>
 #include <functional>
 
@@ -197,6 +199,77 @@ exit_code set_address(const command_context& context, const set_address_options&
     uint16_t pn = number_or_none(kPortNumber, options.pn);
     return [=](port_map& map) { map.pa_to_pn[pa] = pn; };
   });
+}
+
+// ---- The commands ----
+
+command create_command() {
+  auto options = std::make_shared<create_options>();
+  return {.name = "create",
+          .what = "Make a switch's folder from a chassis file, or replace the switch that is in it",
+          .examples = "  chnsw create /tmp/director examples/director-10.toml",
+          .arguments = {word("FOLDER", &options->folder, "Folder of the switch; made when it is not there").path(),
+                        word("FILE", &options->from, "Chassis file, or folder of another switch").path()},
+          .run = runs(create_switch, options),
+          .parts = {}};
+}
+
+namespace {
+
+command set_port_command() {
+  auto options = std::make_shared<set_port_options>();
+  return {.name = "port",
+          .what = "A port's numbers and VSANs",
+          .examples =
+              "  chnsw -s /tmp/director set port fc3/5 --pa 2F --vsans 10,20 --vsan 10\n"
+              "  chnsw -s /tmp/director set port 1030 --pn none",
+          .arguments = {word("PORT", &options->where, "Interface like fc3/5, or a port map index, decimal"),
+                        option("--pn", "PN", &options->pn, "Port number, decimal, or none"),
+                        option("--pa", "PA", &options->pa, "Port address, hexadecimal, or none"),
+                        option("--vsans", "VSANS", &options->vsans,
+                               "Up to 8 VSANs that the port is bound to, as in 10,20, or none"),
+                        option("--vsan", "VSAN", &options->vsan, "The VSAN that the port is in now, or none")},
+          .run = runs(set_port, options),
+          .parts = {}};
+}
+
+command set_binding_command() {
+  auto options = std::make_shared<set_binding_options>();
+  return {.name = "binding",
+          .what = "The interface that answers for a port number",
+          .examples =
+              "  chnsw -s /tmp/director set binding 240 port-channel5\n"
+              "  chnsw -s /tmp/director set binding 240 none",
+          .arguments = {word("PN", &options->pn, "Port number, decimal"),
+                        word("IF", &options->interface, "Interface like port-channel5, or none")},
+          .run = runs(set_binding, options),
+          .parts = {}};
+}
+
+command set_address_command() {
+  auto options = std::make_shared<set_address_options>();
+  return {.name = "address",
+          .what = "The port number that the address table gives for an address",
+          .examples = "  chnsw -s /tmp/director set address 2F 12",
+          .arguments = {word("PA", &options->pa, "Port address, hexadecimal"),
+                        word("PN", &options->pn, "Port number, decimal, or none")},
+          .run = runs(set_address, options),
+          .parts = {}};
+}
+
+} // namespace
+
+command set_command() {
+  return {.name = "set",
+          .what = "Change an entry of the port map, or a time reference, in a switch's folder",
+          .examples =
+              "  chnsw -s /tmp/director set port fc3/5 --pa 2F\n"
+              "  chnsw -s /tmp/director set port 1030 --pn none --pa none\n"
+              "  chnsw -s /tmp/director set binding 240 port-channel5\n"
+              "  chnsw -s /tmp/director set address 2F 12\n  chnsw -s /tmp/director set time 10 now",
+          .arguments = {},
+          .run = {},
+          .parts = {set_port_command(), set_binding_command(), set_address_command(), set_time_command()}};
 }
 
 } // namespace chnsw_tool

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -39,6 +40,9 @@ exit_code create_switch(const command_context& context, const create_options& op
 exit_code set_port(const command_context& context, const set_port_options& options);
 exit_code set_binding(const command_context& context, const set_binding_options& options);
 exit_code set_address(const command_context& context, const set_address_options& options);
+
+command create_command();
+command set_command(); // set port, binding, address, and time
 
 } // namespace chnsw_tool
 

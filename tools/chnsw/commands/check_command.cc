@@ -54,4 +54,14 @@ exit_code check_switch(const command_context& context, const check_options& opti
   return found.size() == notes ? kFound : kNotFound;
 }
 
+command check_command() {
+  auto options = std::make_shared<check_options>();
+  return {.name = "check",
+          .what = "Try every number in every VSAN; exit status 1 when anything is wrong",
+          .examples = "  chnsw -s FILE check\n  chnsw -s FILE check --notes --format json",
+          .arguments = {flag("--notes", &options->notes, "Also list what is as it should be but good to know")},
+          .run = runs(check_switch, options),
+          .parts = {}};
+}
+
 } // namespace chnsw_tool

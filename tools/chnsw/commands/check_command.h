@@ -3,6 +3,7 @@
 #define CHNSW_CHECK_COMMAND_H
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -12,6 +13,8 @@ struct check_options {
 };
 
 exit_code check_switch(const command_context& context, const check_options& options);
+
+command check_command();
 
 } // namespace chnsw_tool
 

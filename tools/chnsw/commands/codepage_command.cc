@@ -215,4 +215,40 @@ exit_code show_codepages(const command_context& context, const codepage_options&
   return show_pages(context, pages);
 }
 
+// ---- The command ----
+
+namespace {
+
+std::vector<std::string> offered_codepages(std::span<const std::string>) {
+  std::vector<std::string> words;
+  for (uint32_t codepage : inspect::known_codepages()) words.push_back(std::to_string(codepage));
+  words.emplace_back("all");
+  return words;
+}
+
+} // namespace
+
+command codepage_command() {
+  auto options = std::make_shared<codepage_options>();
+  return {.name = "codepage",
+          .what = "Code pages of mainframe hosts, and text in them",
+          .examples =
+              "  chnsw codepage\n  chnsw codepage 273\n  chnsw codepage 37 --from-host C6C9C3D6D5\n"
+              "  chnsw codepage 37,273 --to-host 'ACM $1'\n"
+              "  chnsw codepage 500 --to-host - --format csv < texts.txt",
+          .arguments = {optional_word("PAGES", &options->pages,
+                                      fmt::format("Code pages: 37, 37,500 or all; without them a list of those that there "
+                                                  "are. {}",
+                                                  kDecimalDigits))
+                            .offering(offered_codepages),
+                        option("--to-host", "TEXT", &options->to_host,
+                               "The switch's text into the host's bytes; - for the lines of standard input")
+                            .single(),
+                        option("--from-host", "HEX", &options->from_host,
+                               "The host's bytes, hexadecimal, into the switch's text; - for standard input")
+                            .without("--to-host")},
+          .run = runs(show_codepages, options),
+          .parts = {}};
+}
+
 } // namespace chnsw_tool

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -17,6 +18,8 @@ struct codepage_options {
 };
 
 exit_code show_codepages(const command_context& context, const codepage_options& options);
+
+command codepage_command();
 
 } // namespace chnsw_tool
 

@@ -154,4 +154,40 @@ exit_code export_switch(const command_context& context, const export_options& op
   return kFound;
 }
 
+// ---- The commands ----
+
+namespace {
+
+command diff_command() {
+  auto options = std::make_shared<diff_options>();
+  return {.name = "diff",
+          .what = "Where two chassis files or switches differ; exit status 1 when they do",
+          .examples =
+              "  chnsw diff before.toml after.toml\n  chnsw diff /tmp/director examples/director-10.toml\n"
+              "The change counter is not compared.",
+          .arguments = {word("A", &options->a, "Chassis file or switch's folder").path(),
+                        word("B", &options->b, "Chassis file or switch's folder").path()},
+          .run = runs(show_diff, options),
+          .parts = {}};
+}
+
+command export_command() {
+  auto options = std::make_shared<export_options>();
+  return {.name = "export",
+          .what = "The whole switch in another form, on standard output",
+          .examples = "  chnsw -s /tmp/director export > director.toml\n  chnsw -s FILE export --to csv > map.csv",
+          .arguments = {option("--to", "FORM", &options->to,
+                               "toml: chassis file (default); json: everything; csv: the port map; without it --format "
+                               "decides")
+                            .one_of({"toml", "json", "csv"})},
+          .run = runs(export_switch, options),
+          .parts = {}};
+}
+
+} // namespace
+
+std::vector<command> compare_commands() {
+  return {diff_command(), export_command()};
+}
+
 } // namespace chnsw_tool

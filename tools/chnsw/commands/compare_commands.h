@@ -5,6 +5,7 @@
 #include <string>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -20,6 +21,8 @@ struct export_options {
 
 exit_code show_diff(const command_context& context, const diff_options& options);
 exit_code export_switch(const command_context& context, const export_options& options);
+
+std::vector<command> compare_commands(); // diff, export
 
 } // namespace chnsw_tool
 

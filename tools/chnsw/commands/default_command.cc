@@ -190,4 +190,23 @@ exit_code show_default(const command_context& context, const default_options& op
   return code;
 }
 
+command default_command() {
+  auto options = std::make_shared<default_options>();
+  return {
+      .name = "default",
+      .what = "The default port numbering, and whether the map still is the default",
+      .examples =
+          "  chnsw -s FILE default\n  chnsw -s FILE default --verdict\n"
+          "  chnsw -s FILE default --slot 1-2 --logical",
+      .arguments = {flag("--verdict", &options->verdict,
+                         "Only whether the map is the default by the library's word, and where it first differs; "
+                         "exit status 1 when it is not"),
+                    option("--slot", "LIST", &options->slots,
+                           fmt::format("Default numbers of slots: 3, 1-4 or all. {}", kDecimalDigits))
+                        .without("--verdict"),
+                    flag("--logical", &options->logical, "Default numbers without a physical port").without("--verdict")},
+      .run = runs(show_default, options),
+      .parts = {}};
+}
+
 } // namespace chnsw_tool

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -17,6 +18,8 @@ struct default_options {
 };
 
 exit_code show_default(const command_context& context, const default_options& options);
+
+command default_command();
 
 } // namespace chnsw_tool
 

@@ -122,4 +122,17 @@ exit_code show_front(const command_context& context, const front_options& option
   return kFound;
 }
 
+command front_command() {
+  auto options = std::make_shared<front_options>();
+  return {.name = "front",
+          .what = "A picture of the chassis front, coloured by VSAN",
+          .examples =
+              "  chnsw -s FILE front\n  chnsw -s FILE front --svg front.svg\n"
+              "  chnsw -s FILE front --svg - > front.svg",
+          .arguments =
+              {option("--svg", "FILE", &options->svg, "Draw an SVG picture into a file; - for standard output").path()},
+          .run = runs(show_front, options),
+          .parts = {}};
+}
+
 } // namespace chnsw_tool

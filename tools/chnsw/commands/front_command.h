@@ -5,6 +5,7 @@
 #include <string>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -14,6 +15,8 @@ struct front_options {
 };
 
 exit_code show_front(const command_context& context, const front_options& options);
+
+command front_command();
 
 } // namespace chnsw_tool
 

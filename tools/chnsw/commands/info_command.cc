@@ -163,4 +163,13 @@ exit_code show_info(const command_context& context, const no_options&) {
   return kFound;
 }
 
+command info_command() {
+  return {.name = "info",
+          .what = "The chassis: slots, cards, VSANs, highest port number, change counter",
+          .examples = "  chnsw -s FILE info\n  chnsw -s FILE info --format json",
+          .arguments = {},
+          .run = runs(show_info, std::make_shared<no_options>()),
+          .parts = {}};
+}
+
 } // namespace chnsw_tool

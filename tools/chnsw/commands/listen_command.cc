@@ -145,4 +145,16 @@ exit_code listen_to_manager(const command_context& context, const listen_options
   return kFound;
 }
 
+command listen_command() {
+  auto options = std::make_shared<listen_options>();
+  return {.name = "listen",
+          .what = "The manager's notices as they come, until interrupted",
+          .examples =
+              "  chnsw -s /tmp/director listen\n  chnsw -s /tmp/director listen --format jsonl\n"
+              "  chnsw -s /tmp/director listen --count 1",
+          .arguments = {count_option(&options->count, "End after this many notices; 0: go on until interrupted")},
+          .run = runs(listen_to_manager, options),
+          .parts = {}};
+}
+
 } // namespace chnsw_tool

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -14,6 +15,8 @@ struct listen_options {
 };
 
 exit_code listen_to_manager(const command_context& context, const listen_options& options);
+
+command listen_command();
 
 } // namespace chnsw_tool
 

@@ -64,4 +64,15 @@ exit_code serve_folder(const command_context& context, const manager_command_opt
   return kFound;
 }
 
+command manager_command() {
+  auto options = std::make_shared<manager_command_options>();
+  return {.name = "manager",
+          .what = "Be the FICON manager of a switch's folder, until interrupted",
+          .examples = "  chnsw manager /tmp/director\n  chnsw manager /tmp/director 2> manager.log &",
+          .arguments =
+              {optional_word("FOLDER", &options->folder, "Folder of the switch; the one of --switch when left out").path()},
+          .run = runs(serve_folder, options),
+          .parts = {}};
+}
+
 } // namespace chnsw_tool

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -14,6 +15,8 @@ struct manager_command_options {
 };
 
 exit_code serve_folder(const command_context& context, const manager_command_options& options);
+
+command manager_command();
 
 } // namespace chnsw_tool
 

@@ -275,4 +275,78 @@ exit_code show_last(const command_context& context, const walk_options& options)
   return walk_from_each(context, ficon_pmap_get_last_if, options);
 }
 
+// ---- The commands ----
+
+namespace {
+
+command map_command() {
+  auto options = std::make_shared<map_options>();
+  return {
+      .name = "map",
+      .what = "The port map",
+      .examples = "  chnsw -s FILE map\n  chnsw -s FILE map --index 0-47,1024\n  chnsw -s FILE map --format csv",
+      .arguments = {option("--index", "TEXT", &options->indexes,
+                           fmt::format("Port map indexes, 0 to 1279: 254, 0-47,1024 or all; without it every entry that "
+                                       "holds anything. {}",
+                                       kDecimalDigits))},
+      .run = runs(show_map, options),
+      .parts = {}};
+}
+
+command vsan_command() {
+  auto options = std::make_shared<vsan_options>();
+  return {.name = "vsan",
+          .what = "The ports that are in a VSAN now",
+          .examples = "  chnsw -s FILE vsan 10\n  chnsw -s FILE vsan 10,20 --format json\n  chnsw -s FILE vsan all",
+          .arguments =
+              {word("VSAN", &options->vsans, fmt::format("VSANs: 10, 10,20 or all. {}", kDecimalDigits)).offering({"all"})},
+          .run = runs(show_vsans, options),
+          .parts = {}};
+}
+
+command logical_command() {
+  return {.name = "logical",
+          .what = "The port numbers that are bound to an interface",
+          .examples = "  chnsw -s FILE logical",
+          .arguments = {},
+          .run = runs(show_logical_interfaces, std::make_shared<no_options>()),
+          .parts = {}};
+}
+
+argument start_words(walk_options& options) {
+  return word("WHAT", &options.what,
+              "Interfaces to start from: fc3/5, fc3/1-48, an index like 0x01020400, or all. Slots and ports are decimal.")
+      .offering({"all"});
+}
+
+command next_command() {
+  auto options = std::make_shared<walk_options>();
+  return {.name = "next",
+          .what = "The next numbered port after an interface",
+          .examples = "  chnsw -s FILE next fc1/1\n  chnsw -s FILE next fc1/1-8,fc2/3\n  chnsw -s FILE next fc1/1 --all",
+          .arguments = {start_words(*options), flag("--all", &options->all, "Go on to the end of the walk")},
+          .run = runs(show_next, options),
+          .parts = {}};
+}
+
+command last_command() {
+  auto options = std::make_shared<walk_options>();
+  return {.name = "last",
+          .what = "The last numbered port of an interface's line card",
+          .examples = "  chnsw -s FILE last fc1/1\n  chnsw -s FILE last fc1/1,fc2/1",
+          .arguments = {start_words(*options)},
+          .run = runs(show_last, options),
+          .parts = {}};
+}
+
+} // namespace
+
+std::vector<command> map_commands() {
+  return {map_command(), vsan_command(), logical_command()};
+}
+
+std::vector<command> walk_commands() {
+  return {next_command(), last_command()};
+}
+
 } // namespace chnsw_tool

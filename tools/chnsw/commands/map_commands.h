@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -34,6 +35,9 @@ exit_code show_last(const command_context& context, const walk_options& options)
 // The map of a switch that the library serves; watch redraws it.
 result_document map_document(const library_session& session, const std::vector<uint32_t>& indexes);
 std::vector<uint32_t> indexes_in_use(const library_session& session);
+
+std::vector<command> map_commands();  // map, vsan, logical
+std::vector<command> walk_commands(); // next, last
 
 } // namespace chnsw_tool
 

@@ -152,4 +152,97 @@ exit_code encode_message(const command_context& context, const message_options& 
   return kFound;
 }
 
+// ---- The commands ----
+
+namespace {
+
+std::vector<std::string> offered_kinds(std::span<const std::string>) {
+  return names_of(message_kinds());
+}
+
+// The fields of the kind that was named, each with the sign that its value follows.
+std::vector<std::string> offered_fields(std::span<const std::string> words) {
+  std::vector<std::string> fields;
+  for (const auto& kind : message_kinds())
+    if (!words.empty() && words.front() == kind.name) fields = names_of(kind.fields);
+  for (auto& field : fields) field += "=";
+  return fields;
+}
+
+std::string kinds_text() {
+  return fmt::format("One of {}", fmt::join(names_of(message_kinds()), ", "));
+}
+
+argument kind_word(message_options& options) {
+  return word("KIND", &options.kind, kinds_text()).offering(offered_kinds);
+}
+
+argument byte_order_option(message_options& options) {
+  return option("--byte-order", "ORDER", &options.order,
+                "Order of the bytes of a number: big, as a switch writes them (default), or little, as this machine does. "
+                "Interfaces in requests and answers are big-endian in both")
+      .one_of({"big", "little"});
+}
+
+command list_command() {
+  auto options = std::make_shared<message_list_options>();
+  return {.name = "list",
+          .what = "The kinds of messages and their fields",
+          .examples = "  chnsw message list\n  chnsw message list rnid-answer vsan-install --format csv",
+          .arguments = {optional_word("KIND", &options->kinds, kinds_text()).offering(offered_kinds)},
+          .run = runs(list_messages, options),
+          .parts = {}};
+}
+
+command decode_command() {
+  auto options = std::make_shared<message_options>();
+  return {.name = "decode",
+          .what = "Every field of a message's bytes",
+          .examples =
+              "  chnsw message decode ifvsan-answer 00000000 00000003 0000000A 01020400 00000000\n"
+              "  hexdump -C captured | chnsw message decode rnid-answer - --format json",
+          .arguments = {kind_word(*options),
+                        optional_word("HEX", &options->words,
+                                      "The payload in hexadecimal: C1F1, 0xC1 F1, or a dump with offsets; - for standard "
+                                      "input")
+                            .offering({"-"}),
+                        byte_order_option(*options),
+                        flag("--value", &options->value_alone,
+                             "The bytes are the value alone, also if they begin like a TLV array of this virtual switch")},
+          .run = runs(decode_message, options),
+          .parts = {}};
+}
+
+command encode_command() {
+  auto options = std::make_shared<message_options>();
+  return {.name = "encode",
+          .what = "The bytes of a message with these fields",
+          .examples =
+              "  chnsw message encode vsan-install install_byte0=1 vsans=10,20-29 interfaces=fc1/1-4\n"
+              "  chnsw message encode rnid-answer if_index=fc3/1 codepage=37 node=8401-C02-ACM-83-A1234 --value",
+          .arguments = {kind_word(*options),
+                        optional_word("FIELD=VALUE", &options->words,
+                                      "Fields as chnsw message list KIND names them; the others hold what is usual")
+                            .offering(offered_fields),
+                        byte_order_option(*options),
+                        flag("--value", &options->value_alone,
+                             "The value alone, without the TLV array of this virtual switch")},
+          .run = runs(encode_message, options),
+          .parts = {}};
+}
+
+} // namespace
+
+command message_command() {
+  return {.name = "message",
+          .what = "What the bytes of a manager message say, and bytes for what is to be said",
+          .examples =
+              "  chnsw message\n"
+              "  chnsw message decode ifvsan-answer 00000000 00000003 0000000A 01020400 00000000\n"
+              "  chnsw message encode vsan-install install_byte0=1 vsans=10,20-29 interfaces=fc1/1-4",
+          .arguments = {},
+          .run = runs(list_messages, std::make_shared<message_list_options>()),
+          .parts = {list_command(), decode_command(), encode_command()}};
+}
+
 } // namespace chnsw_tool

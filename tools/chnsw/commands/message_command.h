@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -24,6 +25,8 @@ struct message_options {
 exit_code list_messages(const command_context& context, const message_list_options& options);
 exit_code decode_message(const command_context& context, const message_options& options);
 exit_code encode_message(const command_context& context, const message_options& options);
+
+command message_command(); // message list, decode, encode
 
 } // namespace chnsw_tool
 

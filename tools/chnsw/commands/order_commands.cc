@@ -160,4 +160,86 @@ exit_code notify_rnid(const command_context& context, const notify_options& opti
   return send_notices(context, manager, notices);
 }
 
+// ---- The commands ----
+
+command install_command() {
+  auto options = std::make_shared<install_options>();
+  return {.name = "install",
+          .what = "Have the manager install FICON in VSANs for interfaces: bind them to it",
+          .examples =
+              "  chnsw -s /tmp/director install 30 fc1/1-4\n"
+              "  chnsw -s /tmp/director install 30,31 fc1/1-4,fc2/1\n"
+              "  chnsw -s /tmp/director install 30 fc1/1-4 --uninstall",
+          .arguments = {vsans_word(&options->vsans), interfaces_word(&options->interfaces),
+                        flag("--uninstall", &options->uninstall, "Take the VSANs out instead"),
+                        timeout_option(&options->timeout_seconds)},
+          .run = runs(install_vsans, options),
+          .parts = {}};
+}
+
+namespace {
+
+argument state_word(notify_options& options, const std::string& on, const std::string& off) {
+  return word("STATE", &options.state, fmt::format("{} or {}", on, off)).one_of({on, off});
+}
+
+command notify_vsan_command() {
+  auto options = std::make_shared<notify_options>();
+  return {.name = "vsan",
+          .what = "A VSAN came up or went down",
+          .examples = "  chnsw -s /tmp/director notify vsan 10,20 down",
+          .arguments = {vsans_word(&options->vsans), state_word(*options, "up", "down"),
+                        timeout_option(&options->timeout_seconds)},
+          .run = runs(notify_vsan, options),
+          .parts = {}};
+}
+
+command notify_port_command() {
+  auto options = std::make_shared<notify_options>();
+  return {
+      .name = "port",
+      .what = "A port came up or went down",
+      .examples = "  chnsw -s /tmp/director notify port fc1/1-4 down --reason 3",
+      .arguments = {interfaces_word(&options->interfaces).single(), state_word(*options, "up", "down"),
+                    timeout_option(&options->timeout_seconds),
+                    option("--reason", "N", &options->reason, "Why, 0 to 255, decimal; 0 when left out").between(0, 255)},
+      .run = runs(notify_port, options),
+      .parts = {}};
+}
+
+command notify_enable_command() {
+  auto options = std::make_shared<notify_options>();
+  return {.name = "enable",
+          .what = "A port was enabled or disabled",
+          .examples = "  chnsw -s /tmp/director notify enable fc1/1 off",
+          .arguments = {interfaces_word(&options->interfaces).single(), state_word(*options, "on", "off"),
+                        timeout_option(&options->timeout_seconds)},
+          .run = runs(notify_enable, options),
+          .parts = {}};
+}
+
+command notify_rnid_command() {
+  auto options = std::make_shared<notify_options>();
+  return {.name = "rnid",
+          .what = "The node descriptor of the device behind an interface",
+          .examples = "  chnsw -s /tmp/director notify rnid fc3/1",
+          .arguments = {interfaces_word(&options->interfaces).single(), timeout_option(&options->timeout_seconds)},
+          .run = runs(notify_rnid, options),
+          .parts = {}};
+}
+
+} // namespace
+
+command notify_command() {
+  return {.name = "notify",
+          .what = "Have the manager send a notice to all that listen",
+          .examples =
+              "  chnsw -s /tmp/director notify vsan 10 down\n"
+              "  chnsw -s /tmp/director notify port fc1/1-4 down --reason 3\n"
+              "  chnsw -s /tmp/director notify enable fc1/1 off\n  chnsw -s /tmp/director notify rnid fc3/1",
+          .arguments = {},
+          .run = {},
+          .parts = {notify_vsan_command(), notify_port_command(), notify_enable_command(), notify_rnid_command()}};
+}
+
 } // namespace chnsw_tool

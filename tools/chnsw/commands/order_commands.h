@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 #include "inspect/messages/manager_client.h"
 
@@ -32,6 +33,9 @@ exit_code notify_vsan(const command_context& context, const notify_options& opti
 exit_code notify_port(const command_context& context, const notify_options& options);
 exit_code notify_enable(const command_context& context, const notify_options& options);
 exit_code notify_rnid(const command_context& context, const notify_options& options);
+
+command install_command();
+command notify_command(); // notify vsan, port, enable, rnid
 
 } // namespace chnsw_tool
 

@@ -281,4 +281,98 @@ exit_code resolve_indexes(const command_context& context, const resolve_options&
   return asked.finish();
 }
 
+// ---- The commands ----
+
+namespace {
+
+argument question_words(resolve_options& options, const std::string& what) {
+  return word("WHAT", &options.what, what).offering({"all"});
+}
+
+argument explain_flag(resolve_options& options) {
+  return flag("--explain", &options.explain,
+              "Show every entry that was considered, the counters and the rule that decided");
+}
+
+argument vsan_option(resolve_options& options) {
+  return option("--vsan", "V", &options.vsan, "The VSAN that is asked about, 0 to 4095, decimal; none when left out");
+}
+
+argument fast_flag(resolve_options& options) {
+  return flag("--fast", &options.fast, "Ask the library's fast forms, which read the tables once");
+}
+
+command pa_command() {
+  auto options = std::make_shared<resolve_options>();
+  return {
+      .name = "pa",
+      .what = "What belongs to a port address",
+      .examples =
+          "  chnsw -s FILE pa C0\n  chnsw -s FILE pa 10-1F,30 --vsan 10\n  chnsw -s FILE pa all --format csv\n"
+          "  chnsw -s FILE pa 20 --vsan 10 --explain",
+      .arguments = {question_words(*options, fmt::format("Port addresses: C0, 10-1F,30 or all. {}", kHexadecimalDigits)),
+                    explain_flag(*options), vsan_option(*options), fast_flag(*options)},
+      .run = runs(resolve_addresses, options),
+      .parts = {}};
+}
+
+command pn_command() {
+  auto options = std::make_shared<resolve_options>();
+  return {.name = "pn",
+          .what = "What belongs to a port number",
+          .examples = "  chnsw -s FILE pn 12\n  chnsw -s FILE pn 0-47,240 --vsan 10\n  chnsw -s FILE pn all --format jsonl",
+          .arguments = {question_words(*options, fmt::format("Port numbers: 12, 0-47,240 or all. {}", kDecimalDigits)),
+                        explain_flag(*options), vsan_option(*options), fast_flag(*options)},
+          .run = runs(resolve_numbers, options),
+          .parts = {}};
+}
+
+command if_command() {
+  auto options = std::make_shared<resolve_options>();
+  return {.name = "if",
+          .what = "What belongs to an interface",
+          .examples =
+              "  chnsw -s FILE if fc3/5\n  chnsw -s FILE if fc3/1-48,port-channel5\n"
+              "  chnsw -s FILE if 0x01020400 --explain\n  chnsw -s FILE if all",
+          .arguments = {question_words(*options,
+                                       "Interfaces: fc3/5, fc3/1-48, port-channel5, fcip3, an index like 0x01020400, or "
+                                       "all. Slots and ports count from 1 and are decimal."),
+                        explain_flag(*options),
+                        flag("--skip-lag-check", &options->skip_lag_check,
+                             "Answer a port-channel's member like any other port")},
+          .run = runs(resolve_interfaces, options),
+          .parts = {}};
+}
+
+command slot_command() {
+  auto options = std::make_shared<resolve_options>();
+  return {.name = "slot",
+          .what = "What belongs to a slot and port",
+          .examples = "  chnsw -s FILE slot 3/5\n  chnsw -s FILE slot 3/1-8,4/1\n  chnsw -s FILE slot 3",
+          .arguments = {question_words(*options, fmt::format("Slot and port, both from 1: 3/5, 3/1-48, 3 for the whole "
+                                                             "card, or all. {}",
+                                                             kDecimalDigits)),
+                        explain_flag(*options)},
+          .run = runs(resolve_slots, options),
+          .parts = {}};
+}
+
+command index_command() {
+  auto options = std::make_shared<resolve_options>();
+  return {.name = "index",
+          .what = "What belongs to a port map index",
+          .examples = "  chnsw -s FILE index 254\n  chnsw -s FILE index 0-47,1024\n  chnsw -s FILE index all",
+          .arguments = {question_words(*options, fmt::format("Port map indexes, 0 to 1279: 254, 0-47,1024 or all. {}",
+                                                             kDecimalDigits)),
+                        explain_flag(*options)},
+          .run = runs(resolve_indexes, options),
+          .parts = {}};
+}
+
+} // namespace
+
+std::vector<command> resolve_commands() {
+  return {pa_command(), pn_command(), if_command(), slot_command(), index_command()};
+}
+
 } // namespace chnsw_tool

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -24,6 +25,8 @@ exit_code resolve_numbers(const command_context& context, const resolve_options&
 exit_code resolve_interfaces(const command_context& context, const resolve_options& options);
 exit_code resolve_slots(const command_context& context, const resolve_options& options);
 exit_code resolve_indexes(const command_context& context, const resolve_options& options);
+
+std::vector<command> resolve_commands(); // pa, pn, if, slot, index
 
 } // namespace chnsw_tool
 

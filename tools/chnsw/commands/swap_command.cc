@@ -120,4 +120,24 @@ exit_code swap_interfaces(const command_context& context, const swap_options& op
   return result.result == 0 ? kFound : kNotFound;
 }
 
+command swap_command() {
+  auto options = std::make_shared<swap_options>();
+  return {
+      .name = "swap",
+      .what = "Have the manager swap two interfaces, and answer each step of the handshake",
+      .examples =
+          "  chnsw -s /tmp/director swap fc1/1 fc2/1\n"
+          "  chnsw -s /tmp/director swap fc1/1 fc2/1 --refuse do-swap --reason 7",
+      .arguments = {word("A", &options->a, "Interface like fc3/5, or an index like 0x01020400"),
+                    word("B", &options->b, "The other one"),
+                    option("--refuse", "STEP", &options->refuse, "Refuse a step: check-lock, do-swap or unlock")
+                        .one_of({"check-lock", "do-swap", "unlock"}),
+                    option("--reason", "N", &options->reason, "The swap status that refuses it, decimal; 1 when left out")
+                        .between(1, UINT32_MAX)
+                        .only_with("--refuse"),
+                    timeout_option(&options->timeout_seconds)},
+      .run = runs(swap_interfaces, options),
+      .parts = {}};
+}
+
 } // namespace chnsw_tool

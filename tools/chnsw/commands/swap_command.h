@@ -6,6 +6,7 @@
 #include <string>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 #include "inspect/messages/manager_client.h"
 
@@ -20,6 +21,8 @@ struct swap_options {
 };
 
 exit_code swap_interfaces(const command_context& context, const swap_options& options);
+
+command swap_command();
 
 } // namespace chnsw_tool
 

@@ -282,4 +282,49 @@ exit_code set_time(const command_context& context, const set_time_options& optio
   }
 }
 
+// ---- The commands ----
+
+command tod_command() {
+  auto options = std::make_shared<tod_options>();
+  return {.name = "tod",
+          .what = "The mainframe's time (TOD clock values) and the host's, and a VSAN's time stamp",
+          .examples =
+              "  chnsw tod CE4F44C40DC3B000\n  chnsw tod now 2015-01-05T09:07:03.000123Z @1420448823.9\n"
+              "  chnsw tod - --format csv < values.txt\n  chnsw tod CE4F44C4 --leap-seconds 27 --explain\n"
+              "  chnsw -s FILE tod --vsan 10\n  chnsw -s FILE tod --vsan all --at 2015-01-05T09:07:04.1Z --explain",
+          .arguments =
+              {optional_word(
+                   "WHAT", &options->what,
+                   "TOD clock values (4 to 16 digits, hexadecimal, padded with zeros on the right), times in UTC like "
+                   "2015-01-05T09:07:03.9Z, host seconds since 1970 like @1420448823.9 (decimal), now; - for the lines "
+                   "of standard input")
+                   .offering({"now", "-"}),
+               option("--vsan", "VSANS", &options->vsans,
+                      "The time stamps of VSANs by their references: 10, 10,20 or all that have one, decimal"),
+               option("--at", "TIME", &options->at, "The host's time for them: a time, @seconds or now, the default"),
+               option("--leap-seconds", "N", &options->leap_seconds,
+                      "The TOD clock counts this many leap seconds: subtracted for UTC and host seconds, 0 to 999")
+                   .between(0, 999),
+               flag("--explain", &options->explain, "Show the arithmetic, and how far a time stamp drifts by it")},
+          .run = runs(show_tod, options),
+          .parts = {}};
+}
+
+command set_time_command() {
+  auto options = std::make_shared<set_time_options>();
+  return {.name = "time",
+          .what = "The reference of a VSAN's time stamps",
+          .examples =
+              "  chnsw -s /tmp/director set time 10 now\n"
+              "  chnsw -s /tmp/director set time 10 2015-01-05T09:07:03.9Z CE4F44C4E976\n"
+              "  chnsw -s /tmp/director set time 10 none",
+          .arguments = {word("VSAN", &options->vsan, "VSAN, decimal"),
+                        word("HOST", &options->host_time, "The host's time: a time in UTC, @seconds, now; or none"),
+                        optional_word("TOD", &options->tod,
+                                      "The TOD clock value of the same moment, 4 to 16 digits, hexadecimal, or now; the "
+                                      "host's time when left out")},
+          .run = runs(set_time, options),
+          .parts = {}};
+}
+
 } // namespace chnsw_tool

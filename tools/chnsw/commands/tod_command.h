@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -27,6 +28,9 @@ struct set_time_options {
 
 exit_code show_tod(const command_context& context, const tod_options& options);
 exit_code set_time(const command_context& context, const set_time_options& options);
+
+command tod_command();
+command set_time_command(); // a part of set
 
 } // namespace chnsw_tool
 

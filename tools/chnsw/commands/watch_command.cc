@@ -142,4 +142,19 @@ exit_code watch_switch(const command_context& context, const watch_options& opti
   return kFound;
 }
 
+command watch_command() {
+  auto options = std::make_shared<watch_options>();
+  return {.name = "watch",
+          .what = "Draw the port map again whenever it changes",
+          .examples =
+              "  chnsw -s /tmp/director watch\n  chnsw -s /tmp/director watch --format jsonl\n"
+              "  chnsw -s /tmp/director watch --count 2 --interval 0.1",
+          .arguments = {option("--interval", "SECONDS", &options->interval_seconds,
+                               "Seconds between looks at the change counter; 1 when left out")
+                            .between(0.01, 3600),
+                        count_option(&options->count, "End after this many drawings; 0: go on until interrupted")},
+          .run = runs(watch_switch, options),
+          .parts = {}};
+}
+
 } // namespace chnsw_tool

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "command_context.h"
+#include "commands/command.h"
 #include "exit_code.h"
 
 namespace chnsw_tool {
@@ -15,6 +16,8 @@ struct watch_options {
 };
 
 exit_code watch_switch(const command_context& context, const watch_options& options);
+
+command watch_command();
 
 } // namespace chnsw_tool
 
