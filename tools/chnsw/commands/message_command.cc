@@ -215,20 +215,22 @@ command decode_command() {
 
 command encode_command() {
   auto options = std::make_shared<message_options>();
-  return {.name = "encode",
-          .what = "The bytes of a message with these fields",
-          .examples =
-              "  chnsw message encode vsan-install install_byte0=1 vsans=10,20-29 interfaces=fc1/1-4\n"
-              "  chnsw message encode rnid-answer if_index=fc3/1 codepage=37 node=8401-C02-ACM-83-A1234 --value",
-          .arguments = {kind_word(*options),
-                        optional_word("FIELD=VALUE", &options->words,
-                                      "Fields as chnsw message list KIND names them; the others hold what is usual")
-                            .offering(offered_fields),
-                        byte_order_option(*options),
-                        flag("--value", &options->value_alone,
-                             "The value alone, without the TLV array of this virtual switch")},
-          .run = runs(encode_message, options),
-          .parts = {}};
+  return {
+      .name = "encode",
+      .what = "The bytes of a message with these fields",
+      .examples =
+          "  chnsw message encode vsan-install install_byte0=1 vsans=10,20-29 interfaces=fc1/1-4\n"
+          "  chnsw message encode rnid-answer if_index=fc3/1 codepage=37 node=8401-C02-ACM-83-A1234 --value",
+      .arguments = {kind_word(*options),
+                    optional_word("FIELDS", &options->words,
+                                  "FIELD=VALUE each, fields as chnsw message list KIND names them; the others hold what is "
+                                  "usual")
+                        .offering(offered_fields),
+                    byte_order_option(*options),
+                    flag("--value", &options->value_alone,
+                         "The value alone, without the TLV array of this virtual switch")},
+      .run = runs(encode_message, options),
+      .parts = {}};
 }
 
 } // namespace
