@@ -101,6 +101,16 @@ void measure(benchmark::State& state, const std::function<void()>& subject, cons
   }
 }
 
+// What a failed run says, or null. Releases of the library since 1.8 name the members differently.
+template <typename run_type>
+const std::string* failure_of(const run_type& run) {
+  if constexpr (requires { run.error_occurred; }) {
+    return run.error_occurred ? &run.error_message : nullptr;
+  } else {
+    return run.skipped != decltype(run.skipped){} ? &run.skip_message : nullptr;
+  }
+}
+
 // Prints a line for each ratio as it comes.
 class ratio_table : public benchmark::BenchmarkReporter {
  public:
@@ -118,8 +128,8 @@ class ratio_table : public benchmark::BenchmarkReporter {
 
  private:
   void report(const Run& run) {
-    if (run.error_occurred) {
-      std::printf("%-66s FAILED: %s\n", run.run_name.function_name.c_str(), run.error_message.c_str());
+    if (const std::string* failure = failure_of(run)) {
+      std::printf("%-66s FAILED: %s\n", run.run_name.function_name.c_str(), failure->c_str());
       any_over_ = true;
       return;
     }
