@@ -31,3 +31,15 @@ build() {
   quietly cmake --preset "$preset" -DBUILD_TESTING=ON
   quietly cmake --build --preset "$preset" ${1:+--target "$@"}
 }
+
+# debian_release: its number; nothing elsewhere.
+debian_release() { (. /etc/os-release && [ "$ID" = debian ] && echo "${VERSION_ID:-}") 2>/dev/null || true; }
+
+# pinned COMMAND WHAT: whether a tool is here that has to be of one version, since another one judges otherwise. Where it is not
+# to be had that is told; on the release that has it, it must be here.
+pinned() {
+  if command -v "$1" >/dev/null; then return 0; fi
+  [ "$(debian_release)" != 12 ] || die "no $1: run scripts/install-packages"
+  say "NOT CHECKED: $2, for want of $1, which Debian 12 has"
+  return 1
+}
