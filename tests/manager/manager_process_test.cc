@@ -132,7 +132,7 @@ TEST_F(ManagerProcess, AnswersRnidWhichTheParserConverts) {
   char descriptor[32] = {};
   EXPECT_EQ(ficon_parse_get_rnid(reply(4).get(), nullptr, nullptr, nullptr, &codepage, nullptr, nullptr, descriptor), 0u);
   EXPECT_EQ(codepage, 37u);
-  EXPECT_EQ(std::string(descriptor + 4, 26), "009406L01IBM02000000012345");
+  EXPECT_EQ(std::string(descriptor + 4, 26), "008401C02ACM07000000012345");
 }
 
 TEST_F(ManagerProcess, AnswersAsTheMapIsNow) {
@@ -234,7 +234,7 @@ TEST_F(ManagerProcess, EveryKindOfNoticeIsParsed) {
                                           descriptor),
             0u);
   EXPECT_EQ(if_index, kFc1_2);
-  EXPECT_EQ(std::string(descriptor + 4, 26), "002107932HTC750000000ABC19");
+  EXPECT_EQ(std::string(descriptor + 4, 26), "005570900ACM120000000ABC19");
 }
 
 TEST_F(ManagerProcess, NoticeThatCannotBeIsToldToNobody) {

@@ -34,8 +34,8 @@ chassis_description full_switch() {
   chassis.map.pa_to_pn[0xF1] = 241;
   chassis.map.pn_to_if[240] = kFcip3;
   chassis.map.pn_to_if[241] = kPortChannel5;
-  chassis.nodes[kFc1_1] = {37, 0x10200304, "009406", "L01", "IBM", "02", "000000012345", 0x1234};
-  chassis.nodes[kFc1_2] = {FICON_CODEPAGE_ASCII, 0, "002107", "932", "HTC", "75", "0000000ABC19", 0x0031};
+  chassis.nodes[kFc1_1] = {37, 0x10200304, "008401", "C02", "ACM", "07", "000000012345", 0x1234};
+  chassis.nodes[kFc1_2] = {FICON_CODEPAGE_ASCII, 0, "005570", "900", "ACM", "12", "0000000ABC19", 0x0031};
   return chassis;
 }
 

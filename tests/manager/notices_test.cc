@@ -73,10 +73,10 @@ TEST_F(Notices, RnidNotificationIsTheRecordWithTheDescriptor) {
   EXPECT_EQ(record.result, 0u);
   EXPECT_EQ(std::memcmp(record.descriptor,
                         "\0\0\0\0"
-                        "002107"
-                        "932"
-                        "HTC"
-                        "75"
+                        "005570"
+                        "900"
+                        "ACM"
+                        "12"
                         "0000000ABC19"
                         "\0\x31",
                         32),

@@ -273,10 +273,10 @@ TEST_F(QueryAnswers, RnidCarriesTheDescriptorInTheHostsCodePage) {
   EXPECT_EQ(record.result, 0u);
   EXPECT_EQ(record.codepage, 37u);
   EXPECT_THAT(record.descriptor, ElementsAre(0x10, 0x20, 0x03, 0x04,                   // flags
-                                             0xF0, 0xF0, 0xF9, 0xF4, 0xF0, 0xF6,       // 009406
-                                             0xD3, 0xF0, 0xF1,                         // L01
-                                             0xC9, 0xC2, 0xD4,                         // IBM
-                                             0xF0, 0xF2,                               // 02
+                                             0xF0, 0xF0, 0xF8, 0xF4, 0xF0, 0xF1,       // 008401
+                                             0xC3, 0xF0, 0xF2,                         // C02
+                                             0xC1, 0xC3, 0xD4,                         // ACM
+                                             0xF0, 0xF7,                               // 07
                                              0xF0, 0xF0, 0xF0, 0xF0, 0xF0, 0xF0, 0xF0, // 0000000
                                              0xF1, 0xF2, 0xF3, 0xF4, 0xF5,             // 12345
                                              0x12, 0x34));
@@ -287,10 +287,10 @@ TEST_F(QueryAnswers, RnidOfAnAsciiHost) {
   EXPECT_EQ(record.codepage, 1u);
   EXPECT_EQ(std::memcmp(record.descriptor,
                         "\0\0\0\0"
-                        "002107"
-                        "932"
-                        "HTC"
-                        "75"
+                        "005570"
+                        "900"
+                        "ACM"
+                        "12"
                         "0000000ABC19"
                         "\0\x31",
                         32),

@@ -250,14 +250,14 @@ TEST(CharConvert, IsLoadedInEveryProcessThatHasTheServices) {
 }
 
 TEST(CharConvert, TheLibraryFindsIt) {
-  char text[] = "\xC9\xC2\xD4\x4A";
+  char text[] = "\xC1\xC3\xD4\x4A";
   EXPECT_EQ(convert_codepage(CHAR_CONVERT_FROM_HOST, 273, text, 4), 0u);
-  EXPECT_STREQ(text, "IBM\xC4");
+  EXPECT_STREQ(text, "ACM\xC4");
   EXPECT_EQ(convert_codepage(CHAR_CONVERT_TO_HOST, 273, text, 4), 0u);
-  EXPECT_STREQ(text, "\xC9\xC2\xD4\x4A");
+  EXPECT_STREQ(text, "\xC1\xC3\xD4\x4A");
   EXPECT_EQ(convert_codepage(CHAR_CONVERT_FROM_HOST, 274, text, 4), uint32_t{FICON_RC_CONVERT});
   EXPECT_EQ(convert_codepage(CHAR_CONVERT_FROM_HOST, 273, text, -1), uint32_t{FICON_RC_CONVERT});
-  EXPECT_STREQ(text, "\xC9\xC2\xD4\x4A");
+  EXPECT_STREQ(text, "\xC1\xC3\xD4\x4A");
 }
 
 TEST(CharConvert, ProgramsThatLinkOrPreloadTheServicesHaveIt) {
