@@ -456,7 +456,8 @@ TEST_F(Folders, WatchNeedsAFolderAndASensibleInterval) {
   EXPECT_EQ(in_folder({"watch", "--interval", "nan"}).status, 2);
 }
 
-// The commands of what a review found; each works on a folder "s".
+// Commands at their limits: odd values, output that cannot be written, readers and switches that go away. All work on a folder
+// "s".
 class FolderCommands : public tool_test {
  protected:
   FolderCommands() {
