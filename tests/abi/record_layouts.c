@@ -1,4 +1,4 @@
-/* Sizes and offsets of every record that crosses the boundary. Compiles or does not, here and for the switch's processor. */
+/* Sizes and offsets of every record that crosses the boundary. Compiles or does not, here and for a 32-bit big-endian processor. */
 #include <libchnsw.h>
 #include <platform/elemdb.h>
 #include <platform/lagmap.h>
