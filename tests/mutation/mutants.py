@@ -8,8 +8,12 @@ from clang import cindex
 from clang.cindex import CursorKind, TypeKind
 
 # A mutant replaces the bytes from start to end of a file by text. Its name says where and how, and keeps to it when the
-# code moves.
-Mutant = collections.namedtuple("Mutant", "name file start end text")
+# code moves. One in a table says of which rows (None elsewhere), so that a proof can be about rows of a kind.
+Mutant = collections.namedtuple("Mutant", "name file start end text of_rows", defaults=(None,))
+
+# Rows of a table, each as what stands in its columns by name ("expected.ports"), and what is changed in them:
+# ".expected.ports: 32 => 31" or " => nothing", and nothing when two rows are exchanged.
+OfRows = collections.namedtuple("OfRows", "table rows change")
 
 OTHER_OPERATORS = {
     "<": ("<=", "!="), "<=": ("<", "=="), ">": (">=", "!="), ">=": (">", "=="), "==": ("!=", "<=", ">="),
@@ -66,6 +70,48 @@ def type_name(cursor):
     return re.sub(r"\bconst\b ?", "", plain_type(cursor).spelling)
 
 
+# ---- Tables ----
+
+def columns_of(cursor):
+    """The names of what a record's initialiser lists; none when it is not one of a record."""
+    if cursor.kind != CursorKind.INIT_LIST_EXPR:
+        return []
+    return [field.spelling for field in plain_type(cursor).get_fields()]
+
+
+def are_rows(elements):
+    """Whether these elements of an initialiser are rows of one table."""
+    return (all(element.kind == CursorKind.INIT_LIST_EXPR for element in elements) and
+            len({type_name(element) for element in elements}) == 1)
+
+
+def in_one_line(text):
+    return " ".join(text.split()).replace("{ ", "{").replace(" }", "}")
+
+
+def names_of_row(columns, rows):
+    """The first columns, as many as tell a row from all others."""
+    names = [name for name in columns if "." not in name]
+    for count in range(1, len(names)):
+        if sum(all(row[name] == columns[name] for name in names[:count]) for row in rows) == 1:
+            return names[:count]
+    return names
+
+
+class Row:
+    """A row of a table, written as the columns that tell it from all others."""
+
+    def __init__(self, columns, names):
+        self.columns, self.names = columns, names
+
+    def __str__(self):
+        return "[" + " and ".join(f"{name}={self.columns[name]}" for name in self.names) + "]"
+
+
+# A column of a record, which may be a row, with the path of its name (".expected.ports"); a whole row has no path.
+Cell = collections.namedtuple("Cell", "row path extent")
+
+
 class Finder:
     """Collects the mutants of one file of a tree."""
 
@@ -73,9 +119,11 @@ class Finder:
         self.path, self.label = path, label
         with open(path, "rb") as source:
             self.source = source.read()
-        self.found = {}  # (start, end, text): (function, name)
+        self.found = {}  # (start, end, text): (name, of_rows)
         self.contexts = []
+        self.cell = None  # of the table that is looked at
         self.function = ""
+        self.table = False  # whether that is a variable outside of functions
         self.last = []  # statement of the function
         for child in tree.cursor.get_children():
             file = child.location.file
@@ -116,14 +164,28 @@ class Finder:
         start, end = extent
         if self.text(extent) == text or (start, end, text) in self.found:
             return
-        self.found[start, end, text] = f"{self.label}:{self.function}: {self.name_of(start, end, text)}"
+        if self.cell:
+            whole = self.cell.extent
+            after = self.source[whole[0]:start].decode() + text + self.source[end:whole[1]].decode()
+            self.add_to_cell(extent, text, f": {in_one_line(self.text(whole))} => {in_one_line(after)}")
+        else:
+            self.found[start, end, text] = (f"{self.label}:{self.function}: {self.name_of(start, end, text)}", None)
+
+    def add_to_cell(self, extent, text, change):
+        """A change of a table's cell, row or rows, which are the cell's."""
+        table, change = f"{self.label}:{self.function}", self.cell.path + change
+        of_rows = OfRows(table, (self.cell.row.columns,), change) if self.cell.row else None
+        self.found.setdefault((*extent, text), (f"{table}{self.cell.row or ''}{change}", of_rows))
 
     def mutants(self):
         counts = collections.Counter()
-        for (start, end, text), name in sorted(self.found.items()):
+        for (start, end, text), (name, of_rows) in sorted(self.found.items(), key=lambda found: found[0]):
             counts[name] += 1
-            unique = name if counts[name] == 1 else f"{name} ({counts[name]})"
-            yield Mutant(unique, self.path, start, end, text)
+            if counts[name] > 1:
+                number = f" ({counts[name]})"
+                of_rows = of_rows and of_rows._replace(change=of_rows.change + number)
+                name += number
+            yield Mutant(name, self.path, start, end, text, of_rows)
 
     # ---- The tree ----
 
@@ -135,16 +197,24 @@ class Finder:
         outer = self.function
         if kind in FUNCTIONS or (kind in RECORDS + (CursorKind.VAR_DECL,) and not self.in_function()):
             self.function = cursor.spelling
+            self.table = kind == CursorKind.VAR_DECL
         if extent:
             self.contexts.append(extent)
             self.mutate(cursor, parent, extent)
         if kind == CursorKind.COMPOUND_STMT and parent is not None and parent.kind in FUNCTIONS + (CursorKind.LAMBDA_EXPR,):
             self.last = list(cursor.get_children())[-1:]
-        for child in cursor.get_children():
-            self.visit(child, cursor)
+        self.visit_children(cursor)
         if extent:
             self.contexts.pop()
         self.function = outer
+
+    def visit_children(self, cursor):
+        outer = self.cell
+        cells = self.cells_of(cursor) if self.table else []
+        for index, child in enumerate(cursor.get_children()):
+            self.cell = cells[index] if cells else outer
+            self.visit(child, cursor)
+        self.cell = outer
 
     def in_function(self):
         return bool(self.function)
@@ -176,7 +246,7 @@ class Finder:
         elif kind == CursorKind.CALL_EXPR:
             self.swap_neighbours(list(cursor.get_arguments()))
         elif kind == CursorKind.INIT_LIST_EXPR:
-            self.rows(list(cursor.get_children()))
+            self.initialiser_list(cursor)
         elif kind == CursorKind.RETURN_STMT:
             self.returned(cursor)
         elif kind == CursorKind.VAR_DECL:
@@ -290,13 +360,17 @@ class Finder:
                 self.add(extent, value)
             self.contexts.pop()
 
-    def swap(self, one, other):
+    def swap(self, one, other, cells=()):
         first, second = self.extent(one), self.extent(other)
         if not first or not second or first[1] > second[0] or self.text(first) == self.text(second):
             return
-        between = self.source[first[1]:second[0]].decode()
-        self.contexts.append((first[0], second[1]))
-        self.add((first[0], second[1]), self.text(second) + between + self.text(first))
+        whole = (first[0], second[1])
+        exchanged = self.text(second) + self.source[first[1]:second[0]].decode() + self.text(first)
+        if cells:
+            self.add_exchange(whole, exchanged, cells)
+            return
+        self.contexts.append(whole)
+        self.add(whole, exchanged)
         self.contexts.pop()
 
     def swap_neighbours(self, cursors):
@@ -304,22 +378,68 @@ class Finder:
             if type_name(one) == type_name(other):
                 self.swap(one, other)
 
-    def rows(self, elements):
-        """A table's rows left out and exchanged; the fields of one exchanged."""
-        self.swap_neighbours(elements)
-        if not all(element.kind == CursorKind.INIT_LIST_EXPR for element in elements):
-            return
-        if len({type_name(element) for element in elements}) != 1:
-            return
-        for element in elements:
+    # ---- Tables and records ----
+
+    def cells_of(self, cursor):
+        """The cell of each element of an initialiser: a column of a record or a row of a table; none of anything else."""
+        if cursor.kind != CursorKind.INIT_LIST_EXPR:
+            return []
+        elements, names = list(cursor.get_children()), columns_of(cursor)
+        if names:
+            row, path = (self.cell.row, self.cell.path) if self.cell else (None, "")
+            return [Cell(row, f"{path}.{name}", self.extent(element)) for name, element in zip(names, elements)]
+        if not are_rows(elements):
+            return []
+        contents = [self.contents_of(element) for element in elements]
+        return [Cell(Row(columns, names_of_row(columns, contents)), "", self.extent(element))
+                for columns, element in zip(contents, elements)]
+
+    def contents_of(self, record, prefix=""):
+        """What stands in each column of a record, and in those of the records in it."""
+        contents = {}
+        for name, element in zip(columns_of(record), record.get_children()):
             extent = self.extent(element)
-            if extent and len(elements) > 1:
-                end = extent[1]
-                while self.source[end:end + 1] in (b" ", b","):
-                    end += 1
-                self.contexts.append((extent[0], end))
-                self.add((extent[0], end), "")
-                self.contexts.pop()
+            contents[prefix + name] = in_one_line(self.text(extent)) if extent else ""
+            contents.update(self.contents_of(element, f"{prefix}{name}."))
+        return contents
+
+    def initialiser_list(self, cursor):
+        """A table's rows left out and exchanged; the fields of a record exchanged."""
+        elements = list(cursor.get_children())
+        cells = self.cells_of(cursor) if self.table else []
+        for index, (one, other) in enumerate(zip(elements, elements[1:])):
+            if type_name(one) == type_name(other):
+                self.swap(one, other, cells[index:index + 2])
+        if are_rows(elements) and len(elements) > 1:
+            for index, element in enumerate(elements):
+                self.leave_out(self.extent(element), cells[index] if cells else None)
+
+    def leave_out(self, extent, cell):
+        if not extent:
+            return
+        end = extent[1]
+        while self.source[end:end + 1] in (b" ", b","):
+            end += 1
+        outer, self.cell = self.cell, cell
+        self.contexts.append((extent[0], end))
+        if cell:
+            self.add_to_cell((extent[0], end), "", " => nothing")
+        else:
+            self.add((extent[0], end), "")
+        self.contexts.pop()
+        self.cell = outer
+
+    def add_exchange(self, extent, text, cells):
+        table, rows = f"{self.label}:{self.function}", [cell.row for cell in cells]
+        if rows[0] and rows[0] is not rows[1]:
+            name = f"{table}: exchanged rows {rows[0]} and {rows[1]}"
+            of_rows = OfRows(table, tuple(row.columns for row in rows), "")
+            self.found.setdefault((*extent, text), (name, of_rows))
+        else:
+            names = [cell.path.rpartition(".")[2] for cell in cells]
+            outer, self.cell = self.cell, Cell(rows[0], cells[0].path.rpartition(".")[0], extent)
+            self.add_to_cell(extent, text, f": exchanged columns {names[0]} and {names[1]}")
+            self.cell = outer
 
     # ---- Statements ----
 

@@ -24,6 +24,7 @@ import threading
 import time
 
 import mutants
+import proofs
 
 KILLED, REFUSED, SAME, SURVIVED = "killed", "refused by the compiler", "same code", "survived"
 PATIENCE = 10  # times as long as the original takes, and then it counts as killed
@@ -290,33 +291,6 @@ class Runner:
         return False
 
 
-# ---- Those that nobody can tell apart ----
-
-def read_equivalents(path):
-    """Names, each with the reason that follows it, or the group that it stands in. A reason is indented."""
-    reasons, group, complete = {}, [], False
-    for number, line in enumerate(path.read_text().splitlines(), 1):
-        if not line.strip() or line.startswith("#"):
-            continue
-        if line.startswith(" "):
-            if not group:
-                sys.exit(f"{path}:{number}: a reason for nothing")
-            complete = True
-            for name in group:
-                reasons[name] = (reasons[name] + " " + line.strip()).strip()
-            continue
-        if complete:
-            group, complete = [], False
-        if line in reasons:
-            sys.exit(f"{path}:{number}: named twice: {line}")
-        group.append(line)
-        reasons[line] = ""
-    without = [name for name, reason in reasons.items() if not reason]
-    if without:
-        sys.exit(f"{path}: no reason for {without[0]}")
-    return reasons
-
-
 # ---- The command ----
 
 def arguments():
@@ -365,26 +339,27 @@ def run_all(runner, wanted, log):
     return outcomes
 
 
-def judge(files, everything, outcomes, reasons):
-    """What is wrong: survivors that are not proved equivalent, and proofs of what is gone or is noticed."""
-    names = {mutant.name for mutant in everything}
-    survivors = [name for name, outcome in outcomes.items() if outcome == SURVIVED and name not in reasons]
-    own = [name for name in reasons if name.split(":", 1)[0] in files]
-    gone = [name for name in own if name not in names]
-    noticed = [name for name in own if outcomes.get(name) in (KILLED, REFUSED)]
+def judge(files, outcomes, covered):
+    """What is wrong: survivors that are not proved equivalent, and proofs of what is gone or is noticed. Each entry of a proof
+    comes with the names of the mutants that it covers."""
+    proved = set().union(*covered.values())
+    own = {entry: names for entry, names in covered.items() if entry.split(":", 1)[0] in files}
+    survivors = [name for name, outcome in outcomes.items() if outcome == SURVIVED and name not in proved]
+    gone = [entry for entry, names in own.items() if not names]
+    noticed = {name for names in own.values() for name in names if outcomes.get(name) in (KILLED, REFUSED)}
     for title, found in (("Survived", sorted(survivors)), ("Named as equivalent, but no mutant any more", gone),
-                         ("Named as equivalent, but noticed", noticed)):
+                         ("Named as equivalent, but noticed", sorted(noticed))):
         if found:
             print(f"\n{title}:")
             print("\n".join(found))
     return bool(survivors or gone or noticed)
 
 
-def summary(outcomes, reasons):
-    proved = sum(outcome == SURVIVED and name in reasons for name, outcome in outcomes.items())
+def summary(outcomes, proved):
+    equivalent = sum(outcome == SURVIVED and name in proved for name, outcome in outcomes.items())
     counts = collections.Counter(outcomes.values())
     return (f"{len(outcomes)} mutants: {counts[KILLED]} killed, {counts[REFUSED]} refused by the compiler, {counts[SAME]} "
-            f"the same code, {proved} proved equivalent, {counts[SURVIVED] - proved} survived")
+            f"the same code, {equivalent} proved equivalent, {counts[SURVIVED] - equivalent} survived")
 
 
 def main():
@@ -397,17 +372,18 @@ def main():
     if chosen.list:
         print("\n".join(mutant.name for mutant in wanted))
         return 0
-    reasons = read_equivalents(root / "tests/mutation/equivalent")
+    covered = proofs.covered_by(proofs.read_proofs(root / "tests/mutation/equivalent"), everything)
+    proved = set().union(*covered.values())
     # A mutant may write without end; it must not fill the disk, nor leave its memory there.
     resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-    runner = Runner(libraries, work, chosen.jobs, reasons)
+    runner = Runner(libraries, work, chosen.jobs, proved)
     runner.prepare()
     outcomes = run_all(runner, wanted, work / "outcomes")
     survivors = [name for name, outcome in outcomes.items() if outcome == SURVIVED]
     (work / "survivors").write_text("".join(f"{name}\n" for name in survivors))
-    failed = judge(files, everything, outcomes, reasons)
-    print("\n" + summary(outcomes, reasons) if failed else summary(outcomes, reasons))
+    failed = judge(files, outcomes, covered)
+    print("\n" + summary(outcomes, proved) if failed else summary(outcomes, proved))
     return 1 if failed else 0
 
 

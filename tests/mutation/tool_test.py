@@ -7,6 +7,7 @@ import tempfile
 import unittest
 
 import mutants
+import proofs
 import run
 
 
@@ -21,6 +22,13 @@ class WithFolder(unittest.TestCase):
         path.parent.mkdir(exist_ok=True)
         path.write_text(text)
         return path
+
+
+TABLE = """
+struct numbers { int groups; int ports; };
+struct row { int slots; int type; numbers counts; };
+const row kRows[] = {{1, 5, {1, 2}}, {9, 32, {7, 3}}, {9, 38, { 7,  3}}};
+"""
 
 
 class Mutants(WithFolder):
@@ -118,8 +126,23 @@ class Mutants(WithFolder):
 
     def test_row_left_out(self):
         names = [m.name for m in self.mutants_of("struct row { int x; };\nconst row kRows[] = {{1}, {2}};")]
-        self.assertIn("sample.cc:kRows: const row kRows[] = {{1}, {2}} => const row kRows[] = {{2}}", names)
-        self.assertIn("sample.cc:kRows: const row kRows[] = {{1}, {2}} => const row kRows[] = {{2}, {1}}", names)
+        self.assertIn("sample.cc:kRows[x=1] => nothing", names)
+        self.assertIn("sample.cc:kRows: exchanged rows [x=1] and [x=2]", names)
+
+    def test_cell_of_a_row_is_named_by_the_columns_that_tell_the_row(self):
+        names = [m.name for m in self.mutants_of(TABLE)]
+        self.assertIn("sample.cc:kRows[slots=9 and type=32].counts.ports: 3 => 4", names)
+        self.assertIn("sample.cc:kRows[slots=9 and type=32].counts: exchanged columns groups and ports", names)
+        self.assertIn("sample.cc:kRows[slots=1].type: 5 => 6", names)
+
+    def test_record_is_named_by_its_fields(self):
+        names = [m.name for m in self.mutants_of("struct row { int x; int y; };\nconst row kNone = {1, 7};")]
+        self.assertIn("sample.cc:kNone.y: 7 => 8", names)
+        self.assertIn("sample.cc:kNone: exchanged columns x and y", names)
+
+    def test_record_in_a_function_is_named_by_its_text(self):
+        names = [m.name for m in self.mutants_of("struct row { int x; };\nint f() { row r = {7}; return r.x; }")]
+        self.assertIn("sample.cc:f: row r = {7} => row r = {8}", names)
 
     def test_format_text(self):
         changes = self.changes_in('__builtin_printf("%.2d!\\n", a); return a;')
@@ -243,10 +266,56 @@ class Runs(WithFolder):
             self.outcome_of(OF_SUM)
 
 
+class Proofs(WithFolder):
+    def covered(self, entry, code=TABLE):
+        path = str(self.write("sample.cc", code))
+        found = mutants.mutants_of(mutants.parse(path, ["-std=c++20"]), path, "sample.cc")
+        return proofs.covered_by({entry: "So."}, found)[entry]
+
+    def test_a_name_covers_its_mutant(self):
+        name = "sample.cc:kRows[slots=9 and type=32].counts.ports: 3 => 4"
+        self.assertEqual(self.covered(name), {name})
+
+    def test_columns_cover_every_row_that_has_them(self):
+        self.assertEqual(self.covered("sample.cc:kRows[slots=9].counts.ports: 3 => 4"),
+                         {"sample.cc:kRows[slots=9 and type=32].counts.ports: 3 => 4",
+                          "sample.cc:kRows[slots=9 and type=38].counts.ports: 3 => 4"})
+
+    def test_a_record_in_a_row_is_compared_whatever_its_blanks(self):
+        self.assertEqual(len(self.covered("sample.cc:kRows[counts={7, 3}].counts.groups: 7 => 6")), 2)
+
+    def test_a_row_that_comes_later_is_covered(self):
+        later = TABLE.replace("{9, 38,", "{9, 34, {7, 3}}, {9, 38,")
+        self.assertEqual(len(self.covered("sample.cc:kRows[counts={7, 3}].counts.groups: 7 => 6", later)), 3)
+
+    def test_all_columns_have_to_hold(self):
+        self.assertEqual(self.covered("sample.cc:kRows[slots=9 and type=33].counts.ports: 3 => 4"), set())
+
+    def test_a_column_that_no_row_has_covers_nothing(self):
+        self.assertEqual(self.covered("sample.cc:kRows[depth=9].counts.ports: 3 => 4"), set())
+
+    def test_only_the_change_that_is_named(self):
+        self.assertEqual(self.covered("sample.cc:kRows[slots=9].counts.ports: 3 => 5"), set())
+        self.assertEqual(len(self.covered("sample.cc:kRows[slots=9] => nothing")), 2)
+
+    def test_only_the_table_that_is_named(self):
+        self.assertEqual(self.covered("sample.cc:kOther[slots=9].counts.ports: 3 => 4"), set())
+        self.assertEqual(self.covered("other.cc:kRows[slots=9].counts.ports: 3 => 4"), set())
+
+    def test_exchanged_rows_that_differ_in_a_column(self):
+        self.assertEqual(self.covered("sample.cc:kRows: exchanged rows of different slots"),
+                         {"sample.cc:kRows: exchanged rows [slots=1] and [slots=9 and type=32]"})
+
+    def test_exchanged_rows_of_which_none_holds_a_value(self):
+        self.assertEqual(self.covered("sample.cc:kRows: exchanged rows of different type, neither 5"),
+                         {"sample.cc:kRows: exchanged rows [slots=9 and type=32] and [slots=9 and type=38]"})
+        self.assertEqual(self.covered("sample.cc:kRows: exchanged rows of different type, neither 38"),
+                         {"sample.cc:kRows: exchanged rows [slots=1] and [slots=9 and type=32]"})
+
 class Judgement(WithFolder):
     def wrong(self, outcomes, reasons):
         every = [mutants.Mutant(name, "a.cc", 0, 0, "") for name in outcomes]
-        return run.judge(["a.cc"], every, outcomes, reasons)
+        return run.judge(["a.cc"], outcomes, proofs.covered_by(reasons, every))
 
     def test_all_killed(self):
         self.assertFalse(self.wrong({"a.cc:f: 1 => 2": "killed"}, {}))
@@ -266,15 +335,27 @@ class Judgement(WithFolder):
     def test_a_proof_of_another_file(self):
         self.assertFalse(self.wrong({}, {"b.cc:f: 1 => 2": "Both are odd."}))
 
+    def test_a_proof_about_rows_of_which_one_is_killed(self):
+        outcomes = {"a.cc:kRows[x=1].y: 3 => 4": "survived", "a.cc:kRows[x=2].y: 3 => 4": "killed"}
+        covered = {"a.cc:kRows[y=3].y: 3 => 4": set(outcomes)}
+        self.assertTrue(run.judge(["a.cc"], outcomes, covered))
+
+    def test_a_proof_about_rows_that_are_gone(self):
+        self.assertTrue(run.judge(["a.cc"], {}, {"a.cc:kRows[y=3].y: 3 => 4": set()}))
+
+    def test_a_proof_about_rows_that_no_test_tells_apart(self):
+        outcomes = {"a.cc:kRows[x=1].y: 3 => 4": "survived", "a.cc:kRows[x=2].y: 3 => 4": "same code"}
+        self.assertFalse(run.judge(["a.cc"], outcomes, {"a.cc:kRows[y=3].y: 3 => 4": set(outcomes)}))
+
     def test_a_reason_is_that_of_all_names_before_it(self):
         path = self.write("equivalent",
                           "# About it.\n\na.cc:f: 1 => 2\na.cc:f: 1 => 3\n    Both are\n    odd.\n\nb => c\n  So.\n")
-        self.assertEqual(run.read_equivalents(path),
+        self.assertEqual(proofs.read_proofs(path),
                          {"a.cc:f: 1 => 2": "Both are odd.", "a.cc:f: 1 => 3": "Both are odd.", "b => c": "So."})
 
     def test_a_name_without_a_reason_is_refused(self):
         with self.assertRaisesRegex(SystemExit, "no reason for a.cc:f: 1 => 2"):
-            run.read_equivalents(self.write("equivalent", "a.cc:f: 1 => 2\n"))
+            proofs.read_proofs(self.write("equivalent", "a.cc:f: 1 => 2\n"))
 
 
 if __name__ == "__main__":
