@@ -33,5 +33,17 @@ if(CHNSW_SANITIZE)
   add_link_options(-fsanitize=${CHNSW_SANITIZE})
 endif()
 
-# Of the library alone, and with its tests alone.
-option(CHNSW_COVERAGE "Count what the tests reach of the library; for clang" OFF)
+# What the tests reach is counted in the build that has the sanitizers, and the fuzz targets run in it: what is shipped is compiled
+# once for all three.
+option(CHNSW_CHECKED "Count what the tests reach, and build the fuzz targets for libFuzzer; for clang" OFF)
+if(CHNSW_CHECKED)
+  add_link_options(-fprofile-instr-generate)
+endif()
+
+# check_what_runs(<target>): of what is shipped. Counts are written when a process ends, and when it unloads a library.
+function(check_what_runs target)
+  if(CHNSW_CHECKED)
+    target_compile_options(${target} PRIVATE -O1 -fprofile-instr-generate -fcoverage-mapping -fcoverage-compilation-dir=.
+                                             -fsanitize=fuzzer-no-link)
+  endif()
+endfunction()

@@ -43,3 +43,29 @@ pinned() {
   say "NOT CHECKED: $2, for want of $1, which Debian 12 has"
   return 1
 }
+
+# ---- Stages of a long run, and how long each took ----
+
+stages=()
+stage_title=''
+
+# stage TITLE...: what was begun before has ended; this begins.
+stage() {
+  end_stage
+  say "$*"
+  stage_title=$* stage_began=$SECONDS
+}
+
+end_stage() {
+  [ -z "$stage_title" ] || stages+=("$(printf '%6d s  %s' $((SECONDS - stage_began)) "$stage_title")")
+  stage_title=''
+}
+
+# tell_stages: the table, whatever the end; for a trap at the exit.
+tell_stages() {
+  local status=$?
+  [ "$status" -eq 0 ] || stage_title+=${stage_title:+'  FAILED'}
+  end_stage
+  [ ${#stages[@]} -eq 0 ] || printf '%s\n' '' "${stages[@]}" "$(printf '%6d s  in all' "$SECONDS")" >&2
+  exit "$status"
+}

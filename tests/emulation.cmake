@@ -17,19 +17,3 @@ endfunction()
 
 # What such a program is to preload, which the emulator itself could not.
 set(preload_variable QEMU_SET_ENV=LD_PRELOAD)
-
-# emulate_tests(<program> <name> <filter> [<property> <value>]...)
-function(emulate_tests program name filter)
-  get_target_property(sources ${program} SOURCES)
-  list(LENGTH sources count)
-  if(count GREATER 12) # takes long enough for two of them, side by side
-    foreach(half IN ITEMS 0 1)
-      add_test(NAME ${name}_${half} COMMAND ${program} --gtest_brief=1 --gtest_filter=${filter})
-      set_tests_properties(${name}_${half} PROPERTIES COST 1 ENVIRONMENT "GTEST_TOTAL_SHARDS=2;GTEST_SHARD_INDEX=${half}"
-                                                      TIMEOUT 900 ${ARGN})
-    endforeach()
-    return()
-  endif()
-  add_test(NAME ${name} COMMAND ${program} --gtest_brief=1 --gtest_filter=${filter})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 900 ${ARGN})
-endfunction()
