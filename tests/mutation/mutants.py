@@ -55,10 +55,10 @@ def parse(path, arguments):
 
 def place(location):
     """File and offset of a location. What stands in a macro's arguments has its own; what the macro itself brings along has
-    that of its use, since libclang gives the location in a file for a spelling."""
+    that of its use."""
     file, line, column, offset = cindex.c_object_p(), ctypes.c_uint(), ctypes.c_uint(), ctypes.c_uint()
-    cindex.conf.lib.clang_getSpellingLocation(location, ctypes.byref(file), ctypes.byref(line), ctypes.byref(column),
-                                              ctypes.byref(offset))
+    cindex.conf.lib.clang_getFileLocation(location, ctypes.byref(file), ctypes.byref(line), ctypes.byref(column),
+                                          ctypes.byref(offset))
     return (cindex.File(file).name if file else None), offset.value
 
 
