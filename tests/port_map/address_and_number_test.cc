@@ -780,12 +780,12 @@ TEST_F(PaToPn, ControlUnitPortTracesVsanZeroInTheFastForm) {
 }
 
 TEST_F(PaToPn, ControlUnitPortIsStoredBeforeItsTraceIsTold) {
-  uint16_t told = 0;
+  uint16_t pn_when_traced = 0;
   platform.on_call = [&](const std::string& call) {
-    if (call.starts_with("evtrc_hist_event(")) told = pn;
+    if (call.starts_with("evtrc_hist_event(")) pn_when_traced = pn;
   };
   EXPECT_EQ(translate(254, &vsan), kPlatform);
-  EXPECT_EQ(told, 254);
+  EXPECT_EQ(pn_when_traced, 254);
 }
 
 TEST_F(PaToPn, AddressOutOfRangeMakesNoTrace) {

@@ -96,38 +96,38 @@ TEST_F(IndexToInterface, NumberDoesNotMatterForAPhysicalIndex) {
 
 TEST_F(IndexToInterface, LineCardWithoutASlotIsRefused) {
   platform.set_chassis(6, 5); // line cards 0 to 3
-  const auto told = told_by([&] { EXPECT_EQ(find(1016, 7, nullptr), kInvalidArg); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(1016, 7, nullptr), kInvalidArg); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(if_index, kUntouched32);
   EXPECT_EQ(platform.count("if_index_phy_fc_port_init"), 0);
 }
 
 TEST_F(IndexToInterface, UnknownPlatformIsPassedOnWithoutAReport) {
   platform.info_answer = {-1, 5};
-  const auto told = told_by([&] { EXPECT_EQ(find(5, 7, nullptr), kPlatform); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5, 7, nullptr), kPlatform); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(if_index, kUntouched32);
 }
 
 TEST_F(IndexToInterface, UnknownChassisTypeIsPassedOnWithItsReport) {
   platform.chassis_answer = {-1, 6};
-  const auto told = told_by([&] { EXPECT_EQ(find(5, 7, nullptr), kPlatform); });
-  EXPECT_THAT(told, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
-                                "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5, 7, nullptr), kPlatform); });
+  EXPECT_THAT(reports, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
+                                   "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"));
   EXPECT_EQ(if_index, kUntouched32);
 }
 
 TEST_F(IndexToInterface, PlatformRecordThatCannotBeCachedIsAPlatformFailure) {
   platform.refuse_type(5);
-  const auto told = told_by([&] { EXPECT_EQ(find(5, 7, nullptr), kPlatform); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(81, 8)));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5, 7, nullptr), kPlatform); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(81, 8)));
   EXPECT_EQ(if_index, kUntouched32);
 }
 
 TEST_F(IndexToInterface, StatusOfTheInterfaceServiceIsPassedOnWithoutAReport) {
   platform.fail_port_init(0, 5, 77);
-  const auto told = told_by([&] { EXPECT_EQ(find(5, 7, nullptr), 77u); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5, 7, nullptr), 77u); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(if_index, kUntouched32);
 }
 
@@ -165,13 +165,13 @@ TEST_F(IndexToInterface, NegativeIndexOnAChassisWithAllSlots) {
 // ---- indexes beyond the physical ports ----
 
 TEST_F(IndexToInterface, IndexBeyondThePhysicalPortsNeedsANumber) {
-  const auto told = told_by([&] {
+  const auto reports = reports_of([&] {
     EXPECT_EQ(find(1024, 512, nullptr), kInvalidArg);
     EXPECT_EQ(if_index, kUntouched32);
     EXPECT_EQ(find(1279, 512, interfaces.data()), kInvalidArg);
     EXPECT_EQ(if_index, kUntouched32);
   });
-  EXPECT_THAT(told, IsEmpty());
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_THAT(platform.all_calls(), IsEmpty());
 }
 
@@ -184,8 +184,8 @@ TEST_F(IndexToInterface, GivenTableAnswersWithoutAnyCall) {
 }
 
 TEST_F(IndexToInterface, NumberWithoutAnInterfaceStoresZero) {
-  const auto told = told_by([&] { EXPECT_EQ(find(1024, 7, interfaces.data()), kPlatform); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(1024, 7, interfaces.data()), kPlatform); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(if_index, 0u);
 }
 
@@ -219,17 +219,17 @@ TEST_F(IndexToInterface, FetchedTableWithoutAnInterfaceStoresZero) {
 
 TEST_F(IndexToInterface, RefusedTableIsReportedAndPassedOn) {
   platform.refuse_type(3);
-  const auto told = told_by([&] { EXPECT_EQ(find(1024, 7, nullptr), kNoMemory); });
-  EXPECT_THAT(told, ElementsAre("error ficon_pmap_get_index_to_if_withpmap(2580):failed to get pmap_pnif 1\n",
-                                "printed " + allocation_warning(1530, 1016) +
-                                    "FICON_ERR: ficon_pmap_get_index_to_if_withpmap(2580):failed to get pmap_pnif 1\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(1024, 7, nullptr), kNoMemory); });
+  EXPECT_THAT(reports, ElementsAre("error ficon_pmap_get_index_to_if_withpmap(2580):failed to get pmap_pnif 1\n",
+                                   "printed " + allocation_warning(1530, 1016) +
+                                       "FICON_ERR: ficon_pmap_get_index_to_if_withpmap(2580):failed to get pmap_pnif 1\n"));
   EXPECT_EQ(if_index, kUntouched32);
 }
 
 TEST_F(IndexToInterface, UnknownNumberOfPortsIsReportedAndPassedOn) {
   hide_ports();
-  const auto told = told_by([&] { EXPECT_EQ(find(1024, 7, nullptr), kPlatform); });
-  EXPECT_THAT(told,
+  const auto reports = reports_of([&] { EXPECT_EQ(find(1024, 7, nullptr), kPlatform); });
+  EXPECT_THAT(reports,
               ElementsAre("error get_platform_info failed, errno = 5",
                           "error ficon_pmap_get_index_to_if_withpmap(2580):failed to get pmap_pnif 1082458122\n",
                           "printed FICON_ERR: get_platform_info failed, errno = 5"
@@ -240,8 +240,8 @@ TEST_F(IndexToInterface, UnknownNumberOfPortsIsReportedAndPassedOn) {
 // Four bytes a port: the size of such a table does not fit the 32 bits that an allocation can ask for.
 TEST_F(IndexToInterface, TableTooLargeToAllocateIsReportedAndPassedOn) {
   know_ports(0x40000000);
-  const auto told = told_by([&] { EXPECT_EQ(find(1024, 7, nullptr), kNoMemory); });
-  EXPECT_EQ(told.at(0), "error ficon_pmap_get_index_to_if_withpmap(2580):failed to get pmap_pnif 1\n");
+  const auto reports = reports_of([&] { EXPECT_EQ(find(1024, 7, nullptr), kNoMemory); });
+  EXPECT_EQ(reports.at(0), "error ficon_pmap_get_index_to_if_withpmap(2580):failed to get pmap_pnif 1\n");
   EXPECT_EQ(if_index, kUntouched32);
   EXPECT_THAT(platform.calls(), IsEmpty());
   EXPECT_EQ(ficon_pmap_pn_to_logif, nullptr);
@@ -288,9 +288,9 @@ class IndexToPhysicalInterface : public PortMapTest {
 };
 
 TEST_F(IndexToPhysicalInterface, AsksForInterfacePortIndexAndPortChannelInThisOrder) {
-  const auto told = told_by([&] { EXPECT_EQ(find(1023), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find(1023), 0u); });
   EXPECT_EQ(if_index, physical_interface(6, 7));
-  EXPECT_THAT(told, IsEmpty());
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_THAT(platform.calls(),
               ElementsAreArray(sequence({kFirstSlotConversion,
                                          {"if_index_phy_fc_port_init(6, 7, 0)", "portidx_port_by_if_index(0x1000607)",
@@ -323,63 +323,63 @@ TEST_F(IndexToPhysicalInterface, NegativeIndexIsNotRejected) {
 
 TEST_F(IndexToPhysicalInterface, LineCardWithoutASlotIsRefusedSilently) {
   platform.set_chassis(6, 5);
-  const auto told = told_by([&] { EXPECT_EQ(find(1016), kInvalidArg); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(1016), kInvalidArg); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(if_index, kUntouched32);
   EXPECT_EQ(platform.count("if_index_phy_fc_port_init"), 0);
 }
 
 TEST_F(IndexToPhysicalInterface, UnknownChassisTypeIsPassedOnWithItsReport) {
   platform.chassis_answer = {-1, 6};
-  const auto told = told_by([&] { EXPECT_EQ(find(5), kPlatform); });
-  EXPECT_THAT(told, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
-                                "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5), kPlatform); });
+  EXPECT_THAT(reports, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
+                                   "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"));
   EXPECT_EQ(if_index, kUntouched32);
 }
 
 TEST_F(IndexToPhysicalInterface, UnknownPlatformIsPassedOn) {
   platform.info_answer = {-1, 5};
-  const auto told = told_by([&] { EXPECT_EQ(find(5), kPlatform); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5), kPlatform); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(if_index, kUntouched32);
 }
 
 TEST_F(IndexToPhysicalInterface, InterfaceThatCannotBeBuiltIsReported) {
   platform.fail_port_init(3, 253, 77);
-  const auto told = told_by([&] { EXPECT_EQ(find(1015), 77u); });
-  EXPECT_THAT(told, ElementsAre("error Failed to compute ifindex for index 1015(0x4d)\n",
-                                "printed FICON_ERR: Failed to compute ifindex for index 1015(0x4d)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(1015), 77u); });
+  EXPECT_THAT(reports, ElementsAre("error Failed to compute ifindex for index 1015(0x4d)\n",
+                                   "printed FICON_ERR: Failed to compute ifindex for index 1015(0x4d)\n"));
   EXPECT_EQ(if_index, kUntouched32);
   EXPECT_EQ(platform.count("portidx_port_by_if_index"), 0);
 }
 
 TEST_F(IndexToPhysicalInterface, NegativeStatusOfTheInterfaceServiceIsAFailureToo) {
   platform.fail_port_init(0, 5, -2);
-  const auto told = told_by([&] { EXPECT_EQ(find(5), 0xFFFFFFFEu); });
-  EXPECT_THAT(told, ElementsAre("error Failed to compute ifindex for index 5(0xfffffffe)\n",
-                                "printed FICON_ERR: Failed to compute ifindex for index 5(0xfffffffe)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5), 0xFFFFFFFEu); });
+  EXPECT_THAT(reports, ElementsAre("error Failed to compute ifindex for index 5(0xfffffffe)\n",
+                                   "printed FICON_ERR: Failed to compute ifindex for index 5(0xfffffffe)\n"));
   EXPECT_EQ(platform.count("portidx_port_by_if_index"), 0);
 }
 
 TEST_F(IndexToPhysicalInterface, NullResultAddressIsHandedToTheInterfaceService) {
-  const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_index_to_phyif(5, nullptr), 14u); });
-  EXPECT_THAT(told, ElementsAre("error Failed to compute ifindex for index 5(0xe)\n",
-                                "printed FICON_ERR: Failed to compute ifindex for index 5(0xe)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(ficon_pmap_get_index_to_phyif(5, nullptr), 14u); });
+  EXPECT_THAT(reports, ElementsAre("error Failed to compute ifindex for index 5(0xe)\n",
+                                   "printed FICON_ERR: Failed to compute ifindex for index 5(0xe)\n"));
   EXPECT_EQ(platform.count("if_index_phy_fc_port_init(NULL, 0, 5, 0)"), 1);
 }
 
 TEST_F(IndexToPhysicalInterface, PortThatIsNotThereHasNoInterface) {
   platform.interface(0x1000005).portidx_status = kPortidxNoPort;
-  const auto told = told_by([&] { EXPECT_EQ(find(5), kNoIf); });
-  EXPECT_THAT(told, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329346)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5), kNoIf); });
+  EXPECT_THAT(reports, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329346)\n"));
   EXPECT_EQ(if_index, 0u);
   EXPECT_EQ(platform.count("lagmap_get_port"), 0);
 }
 
 TEST_F(IndexToPhysicalInterface, OtherFailureOfThePortIndexIsPassedOn) {
   platform.interface(0x1000005).portidx_status = 0x40460009;
-  const auto told = told_by([&] { EXPECT_EQ(find(5), 0x40460009u); });
-  EXPECT_THAT(told, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329353)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5), 0x40460009u); });
+  EXPECT_THAT(reports, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329353)\n"));
   EXPECT_EQ(if_index, 0u);
   EXPECT_EQ(platform.count("lagmap_get_port"), 0);
 }
@@ -395,23 +395,23 @@ TEST_F(IndexToPhysicalInterface, SmallAndNegativeStatusesOfThePortIndexArePassed
 // "portthats" is what log parsers match.
 TEST_F(IndexToPhysicalInterface, PortChannelMemberIsTracedWithItsOddSpelling) {
   platform.interface(0x1000005).channel = 1;
-  const auto told = told_by([&] { EXPECT_EQ(find(5), kLagMember); });
-  EXPECT_THAT(told, ElementsAre("trace Index :5 is a portthats part of port-channel\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5), kLagMember); });
+  EXPECT_THAT(reports, ElementsAre("trace Index :5 is a portthats part of port-channel\n"));
   EXPECT_EQ(if_index, 0u);
 }
 
 TEST_F(IndexToPhysicalInterface, NotAMemberStatusIsNoMembership) {
   platform.interface(0x1000005).lag_status = kLagmapNotMember;
-  const auto told = told_by([&] { EXPECT_EQ(find(5), 0u); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5), 0u); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(if_index, physical_interface(0, 5));
 }
 
 TEST_F(IndexToPhysicalInterface, FailingPortChannelServiceIsReportedAndTheInterfaceStays) {
   platform.interface(0x1000005).lag_status = 0x40470007;
-  const auto told = told_by([&] { EXPECT_EQ(find(5), kPlatform); });
-  EXPECT_THAT(told, ElementsAre("error lagmap_get_port failed: if_index:0x1000005\n",
-                                "printed FICON_ERR: lagmap_get_port failed: if_index:0x1000005\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(5), kPlatform); });
+  EXPECT_THAT(reports, ElementsAre("error lagmap_get_port failed: if_index:0x1000005\n",
+                                   "printed FICON_ERR: lagmap_get_port failed: if_index:0x1000005\n"));
   EXPECT_EQ(if_index, physical_interface(0, 5));
 }
 

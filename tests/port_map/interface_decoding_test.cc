@@ -21,11 +21,11 @@ class InterfaceDecoding : public PortMapTest {
 };
 
 TEST_F(InterfaceDecoding, PhysicalPortYieldsSlotAndPortAndClearsTheFlag) {
-  const auto told = told_by([&] { EXPECT_EQ(decode(kPort), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(decode(kPort), 0u); });
   EXPECT_EQ(slot, 3);
   EXPECT_EQ(port, 7);
   EXPECT_EQ(flag, 0u);
-  EXPECT_THAT(told, IsEmpty());
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_THAT(platform.calls(),
               ElementsAre("if_index_get_type(0x1000307)", "if_index_get_slot(0x1000307)", "if_index_get_port(0x1000307)"));
 }
@@ -39,9 +39,9 @@ TEST_F(InterfaceDecoding, SlotAndPortAreHandedOnAsThePlatformCountsThem) {
 TEST_F(InterfaceDecoding, LogicalInterfacesSetTheFlagOnly) {
   for (const uint32_t if_index : {0x4000001u, 0xA000001u}) {
     flag = kUntouched32;
-    const auto told = told_by([&] { EXPECT_EQ(decode(if_index), 0u); });
+    const auto reports = reports_of([&] { EXPECT_EQ(decode(if_index), 0u); });
     EXPECT_EQ(flag, 1u);
-    EXPECT_THAT(told, IsEmpty());
+    EXPECT_THAT(reports, IsEmpty());
   }
   EXPECT_EQ(slot, kUntouched8);
   EXPECT_EQ(port, kUntouched8);
@@ -56,9 +56,9 @@ TEST_F(InterfaceDecoding, LogicalInterfaceNeedsNoSlotOrPortAddress) {
 
 // The plain 11 is what clients compare with.
 TEST_F(InterfaceDecoding, OtherTypeIsReportedAndRefusedWithThePlainEleven) {
-  const auto told = told_by([&] { EXPECT_EQ(decode(0x2000005), 11u); });
-  EXPECT_THAT(told, ElementsAre("error if_index 0x2000005 not fc port. type = 2\n",
-                                "printed FICON_ERR: if_index 0x2000005 not fc port. type = 2\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(decode(0x2000005), 11u); });
+  EXPECT_THAT(reports, ElementsAre("error if_index 0x2000005 not fc port. type = 2\n",
+                                   "printed FICON_ERR: if_index 0x2000005 not fc port. type = 2\n"));
   EXPECT_EQ(slot, kUntouched8);
   EXPECT_EQ(port, kUntouched8);
   EXPECT_EQ(flag, kUntouched32);
@@ -68,17 +68,17 @@ TEST_F(InterfaceDecoding, EveryTypeButThreeIsRefused) {
   for (int type = 0; type <= 255; ++type) {
     if (type == 1 || type == 4 || type == 10) continue;
     platform.interface(kPort).type = static_cast<uint8_t>(type);
-    const auto told = told_by([&] { EXPECT_EQ(decode(kPort), 11u); });
-    ASSERT_EQ(told.at(0), "error if_index 0x1000307 not fc port. type = " + std::to_string(type) + "\n");
+    const auto reports = reports_of([&] { EXPECT_EQ(decode(kPort), 11u); });
+    ASSERT_EQ(reports.at(0), "error if_index 0x1000307 not fc port. type = " + std::to_string(type) + "\n");
   }
   EXPECT_EQ(flag, kUntouched32);
 }
 
 TEST_F(InterfaceDecoding, UnknownTypeIsReportedAndNothingWritten) {
   platform.interface(kPort).type_status = 77;
-  const auto told = told_by([&] { EXPECT_EQ(decode(kPort), 77u); });
-  EXPECT_THAT(told, ElementsAre("error failed to get if type for if_index:0x1000307 (77)\n",
-                                "printed FICON_ERR: failed to get if type for if_index:0x1000307 (77)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(decode(kPort), 77u); });
+  EXPECT_THAT(reports, ElementsAre("error failed to get if type for if_index:0x1000307 (77)\n",
+                                   "printed FICON_ERR: failed to get if type for if_index:0x1000307 (77)\n"));
   EXPECT_EQ(slot, kUntouched8);
   EXPECT_EQ(port, kUntouched8);
   EXPECT_EQ(flag, kUntouched32);
@@ -87,9 +87,9 @@ TEST_F(InterfaceDecoding, UnknownTypeIsReportedAndNothingWritten) {
 
 TEST_F(InterfaceDecoding, UnknownSlotIsReportedWithTheFlagCleared) {
   platform.interface(kPort).slot_status = 0x40460001;
-  const auto told = told_by([&] { EXPECT_EQ(decode(kPort), 0x40460001u); });
-  EXPECT_THAT(told, ElementsAre("error Failed to get slot for if_index 0x1000307 (1078329345)\n",
-                                "printed FICON_ERR: Failed to get slot for if_index 0x1000307 (1078329345)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(decode(kPort), 0x40460001u); });
+  EXPECT_THAT(reports, ElementsAre("error Failed to get slot for if_index 0x1000307 (1078329345)\n",
+                                   "printed FICON_ERR: Failed to get slot for if_index 0x1000307 (1078329345)\n"));
   EXPECT_EQ(slot, kUntouched8);
   EXPECT_EQ(port, kUntouched8);
   EXPECT_EQ(flag, 0u);
@@ -98,9 +98,9 @@ TEST_F(InterfaceDecoding, UnknownSlotIsReportedWithTheFlagCleared) {
 
 TEST_F(InterfaceDecoding, UnknownPortIsReportedWithSlotWrittenAndFlagCleared) {
   platform.interface(kPort).port_status = -79;
-  const auto told = told_by([&] { EXPECT_EQ(decode(kPort), 0xFFFFFFB1u); });
-  EXPECT_THAT(told, ElementsAre("error Failed to get port for if_index 0x1000307 (-79)\n",
-                                "printed FICON_ERR: Failed to get port for if_index 0x1000307 (-79)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(decode(kPort), 0xFFFFFFB1u); });
+  EXPECT_THAT(reports, ElementsAre("error Failed to get port for if_index 0x1000307 (-79)\n",
+                                   "printed FICON_ERR: Failed to get port for if_index 0x1000307 (-79)\n"));
   EXPECT_EQ(slot, 3);
   EXPECT_EQ(port, kUntouched8);
   EXPECT_EQ(flag, 0u);

@@ -58,9 +58,9 @@ using NextInterface = InterfaceIteration;
 
 TEST_F(NextInterface, FollowingIndexIsTheNextInterface) {
   numbered({10, 11, 254});
-  const auto told = told_by([&] { EXPECT_EQ(next(kPort10), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(next(kPort10), 0u); });
   EXPECT_EQ(result, physical_interface(0, 11));
-  EXPECT_THAT(told, ElementsAre("trace if_index:0x100000a, slot:1base1, port:11base1, port-number:10\n"));
+  EXPECT_THAT(reports, ElementsAre("trace if_index:0x100000a, slot:1base1, port:11base1, port-number:10\n"));
 }
 
 TEST_F(NextInterface, LooksUpFetchesThePortsAgainAndBuildsTheInterface) {
@@ -214,25 +214,25 @@ TEST_F(NextInterface, OwnFetchDecides) {
 TEST_F(NextInterface, RefusedOwnFetchIsPassedOnWithoutAReport) {
   numbered({10, 11});
   refuse_own_port_fetch();
-  const auto told = told_by([&] { EXPECT_EQ(next(kPort10), kNoMemory); });
-  EXPECT_THAT(told, ElementsAre("trace if_index:0x100000a, slot:1base1, port:11base1, port-number:10\n",
-                                "printed " + allocation_warning(1453, 25600)));
+  const auto reports = reports_of([&] { EXPECT_EQ(next(kPort10), kNoMemory); });
+  EXPECT_THAT(reports, ElementsAre("trace if_index:0x100000a, slot:1base1, port:11base1, port-number:10\n",
+                                   "printed " + allocation_warning(1453, 25600)));
   EXPECT_EQ(result, kUntouched32);
 }
 
 TEST_F(NextInterface, NextCardWithoutASlotIsPassedOnSilently) {
   platform.set_chassis(6, 5); // line cards 0 to 3
   numbered({1015, 1016});
-  const auto told = told_by([&] { EXPECT_EQ(next(physical_interface(3, 253)), kInvalidArg); });
-  EXPECT_EQ(told.size(), 1u);
+  const auto reports = reports_of([&] { EXPECT_EQ(next(physical_interface(3, 253)), kInvalidArg); });
+  EXPECT_EQ(reports.size(), 1u);
   EXPECT_EQ(result, kUntouched32);
 }
 
 TEST_F(NextInterface, StatusOfTheInterfaceServiceIsPassedOnSilently) {
   numbered({10, 11});
   platform.fail_port_init(0, 11, 77);
-  const auto told = told_by([&] { EXPECT_EQ(next(kPort10), 77u); });
-  EXPECT_EQ(told.size(), 1u);
+  const auto reports = reports_of([&] { EXPECT_EQ(next(kPort10), 77u); });
+  EXPECT_EQ(reports.size(), 1u);
   EXPECT_EQ(result, kUntouched32);
 }
 
@@ -255,15 +255,15 @@ TEST_F(NextInterface, StatusesOfTheLookUpArePassedOn) {
 
 TEST_F(NextInterface, RefusedTableOfTheLookUpIsReportedAndPassedOn) {
   platform.refuse_type(3);
-  const auto told = told_by([&] { EXPECT_EQ(next(kPort10), kNoMemory); });
-  EXPECT_EQ(told.at(0), "error ficon_pmap_get_if_to_pnpa_index_with2pmaps(2884):failed to get pmap_pnif 1\n");
+  const auto reports = reports_of([&] { EXPECT_EQ(next(kPort10), kNoMemory); });
+  EXPECT_EQ(reports.at(0), "error ficon_pmap_get_if_to_pnpa_index_with2pmaps(2884):failed to get pmap_pnif 1\n");
   EXPECT_EQ(result, kUntouched32);
 }
 
 TEST_F(NextInterface, UnknownNumberOfPortsIsReportedAndPassedOn) {
   hide_ports();
-  const auto told = told_by([&] { EXPECT_EQ(next(kPort10), kPlatform); });
-  EXPECT_EQ(told.at(1), "error ficon_pmap_get_if_to_pnpa_index_with2pmaps(2884):failed to get pmap_pnif 1082458122\n");
+  const auto reports = reports_of([&] { EXPECT_EQ(next(kPort10), kPlatform); });
+  EXPECT_EQ(reports.at(1), "error ficon_pmap_get_if_to_pnpa_index_with2pmaps(2884):failed to get pmap_pnif 1082458122\n");
 }
 
 TEST_F(NextInterface, MemberOfAPortChannelIsNotWalkedFrom) {
@@ -287,8 +287,8 @@ TEST_F(NextInterface, NextInterfaceMayBeAMember) {
 TEST_F(NextInterface, FailingPortChannelServiceReadsAsNoNumber) {
   numbered({10, 11});
   platform.interface(kPort10).lag_status = 0x40470005;
-  const auto told = told_by([&] { EXPECT_EQ(next(kPort10), kInvalidArg); });
-  EXPECT_EQ(told.at(1), "trace if_index:0x100000a, slot:1base1, port:11base1, port-number:512\n");
+  const auto reports = reports_of([&] { EXPECT_EQ(next(kPort10), kInvalidArg); });
+  EXPECT_EQ(reports.at(1), "trace if_index:0x100000a, slot:1base1, port:11base1, port-number:512\n");
   EXPECT_EQ(result, kUntouched32);
 }
 
@@ -307,9 +307,9 @@ using LastInterface = InterfaceIteration;
 TEST_F(LastInterface, HighestNumberedPositionOfTheLineCardAnswers) {
   for (uint16_t index = 0; index <= 199; ++index) numbered({index});
   numbered({254});
-  const auto told = told_by([&] { EXPECT_EQ(last(kPort10), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(last(kPort10), 0u); });
   EXPECT_EQ(result, physical_interface(0, 199));
-  EXPECT_THAT(told, ElementsAre("trace if_index:0x100000a, slot:1base1, port:11base1, port-number:10\n"));
+  EXPECT_THAT(reports, ElementsAre("trace if_index:0x100000a, slot:1base1, port:11base1, port-number:10\n"));
 }
 
 TEST_F(LastInterface, LooksUpFetchesThePortsAgainAndBuildsTheInterface) {
@@ -423,9 +423,9 @@ TEST_F(LastInterface, IndexBeyondThePhysicalPortsGivesThePlainEleven) {
 TEST_F(LastInterface, RefusedOwnFetchIsPassedOnWithoutAReport) {
   numbered({10, 11});
   refuse_own_port_fetch();
-  const auto told = told_by([&] { EXPECT_EQ(last(kPort10), kNoMemory); });
-  EXPECT_THAT(told, ElementsAre("trace if_index:0x100000a, slot:1base1, port:11base1, port-number:10\n",
-                                "printed " + allocation_warning(1453, 25600)));
+  const auto reports = reports_of([&] { EXPECT_EQ(last(kPort10), kNoMemory); });
+  EXPECT_THAT(reports, ElementsAre("trace if_index:0x100000a, slot:1base1, port:11base1, port-number:10\n",
+                                   "printed " + allocation_warning(1453, 25600)));
   EXPECT_EQ(result, kUntouched32);
 }
 
@@ -444,8 +444,8 @@ TEST_F(LastInterface, CardThatDoesNotConvertBackIsPassedOn) {
 TEST_F(LastInterface, StatusOfTheInterfaceServiceIsPassedOnSilently) {
   numbered({10});
   platform.fail_port_init(0, 10, 77);
-  const auto told = told_by([&] { EXPECT_EQ(last(kPort10), 77u); });
-  EXPECT_EQ(told.size(), 1u);
+  const auto reports = reports_of([&] { EXPECT_EQ(last(kPort10), 77u); });
+  EXPECT_EQ(reports.size(), 1u);
   EXPECT_EQ(result, kUntouched32);
 }
 
@@ -484,10 +484,10 @@ class AddressToInterface : public PortMapTest {
 
 TEST_F(AddressToInterface, AddressAloneFetchesForBothSteps) {
   map.entry(5, 7, 9, {10}, 10);
-  const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_pa_to_if(9, &result), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(ficon_pmap_get_pa_to_if(9, &result), 0u); });
   EXPECT_EQ(result, physical_interface(0, 5));
   EXPECT_THAT(
-      told,
+      reports,
       ElementsAre("trace ficon_pmap_get_pa_to_pn_withpvsan(1861) pn(7) pa(9) (5) vsans(10 0 0 0 0 0 0 0)\n",
                   "trace ficon_pmap_get_pa_to_pn_withpvsan(1890): Count(1) Bound(0) Bound PN(9) Vsan(0) In Vsan(0) gvp(0) "
                   "vsan_pn(9)\n",
@@ -557,9 +557,9 @@ TEST_F(AddressToInterface, VsanIsPassedWhole) {
 TEST_F(AddressToInterface, FastFormsMindTheFastPathFlag) {
   share_address();
   cache_map(0);
-  const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_pa_vsan_to_if_fast(9, 10, &result), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(ficon_pmap_get_pa_vsan_to_if_fast(9, 10, &result), 0u); });
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(1) Bound If(0x1000005) Vsan(10) In Vsan(0) gvp(0) "
       "vsan_if(0)\n");
 }

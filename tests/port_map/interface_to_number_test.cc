@@ -119,8 +119,8 @@ TEST_F(InterfaceToNumber, GivenTablesNeedNoFetchAndNoNumberOfPorts) {
 
 TEST_F(InterfaceToNumber, RefusedInterfaceTableIsReportedAndPassedOn) {
   platform.refuse_type(3);
-  const auto told = told_by([&] { EXPECT_EQ(find_with(kPort5, nullptr, nullptr), nothing(kNoMemory)); });
-  EXPECT_THAT(told,
+  const auto reports = reports_of([&] { EXPECT_EQ(find_with(kPort5, nullptr, nullptr), nothing(kNoMemory)); });
+  EXPECT_THAT(reports,
               ElementsAre("error ficon_pmap_get_if_to_pnpa_index_with2pmaps(2884):failed to get pmap_pnif 1\n",
                           "printed " + allocation_warning(1530, 1016) +
                               "FICON_ERR: ficon_pmap_get_if_to_pnpa_index_with2pmaps(2884):failed to get pmap_pnif 1\n"));
@@ -129,9 +129,9 @@ TEST_F(InterfaceToNumber, RefusedInterfaceTableIsReportedAndPassedOn) {
 
 TEST_F(InterfaceToNumber, UnknownNumberOfPortsIsReportedAndPassedOn) {
   hide_ports();
-  const auto told = told_by([&] { EXPECT_EQ(find_with(kPort5, nullptr, nullptr), nothing(kPlatform)); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find_with(kPort5, nullptr, nullptr), nothing(kPlatform)); });
   EXPECT_THAT(
-      told,
+      reports,
       ElementsAre("error get_platform_info failed, errno = 5",
                   "error ficon_pmap_get_if_to_pnpa_index_with2pmaps(2884):failed to get pmap_pnif 1082458122\n",
                   "printed FICON_ERR: get_platform_info failed, errno = 5"
@@ -140,8 +140,8 @@ TEST_F(InterfaceToNumber, UnknownNumberOfPortsIsReportedAndPassedOn) {
 
 TEST_F(InterfaceToNumber, RefusedPortTableIsReportedAndPassedOn) {
   platform.refuse_type(5);
-  const auto told = told_by([&] { EXPECT_EQ(find_with(kPort5, nullptr, nullptr), nothing(kNoMemory)); });
-  EXPECT_THAT(told,
+  const auto reports = reports_of([&] { EXPECT_EQ(find_with(kPort5, nullptr, nullptr), nothing(kNoMemory)); });
+  EXPECT_THAT(reports,
               ElementsAre("error ficon_pmap_get_if_to_pnpa_index_with2pmaps(2894):failed to get pmap_portpn 1\n",
                           "printed " + allocation_warning(1453, 25600) +
                               "FICON_ERR: ficon_pmap_get_if_to_pnpa_index_with2pmaps(2894):failed to get pmap_portpn 1\n"));
@@ -152,16 +152,16 @@ TEST_F(InterfaceToNumber, RefusedPortTableIsReportedAndPassedOn) {
 
 TEST_F(InterfaceToNumber, UnknownTypeIsReportedAndPassedOn) {
   platform.interface(kPort5).type_status = 77;
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(77)); });
-  EXPECT_THAT(told, ElementsAre("error failed to get if type for if_index:0x1000005 (77)\n",
-                                "printed FICON_ERR: failed to get if type for if_index:0x1000005 (77)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(77)); });
+  EXPECT_THAT(reports, ElementsAre("error failed to get if type for if_index:0x1000005 (77)\n",
+                                   "printed FICON_ERR: failed to get if type for if_index:0x1000005 (77)\n"));
   EXPECT_THAT(platform.calls(), ElementsAre("if_index_get_type(0x1000005)"));
 }
 
 TEST_F(InterfaceToNumber, OtherTypeIsReportedAndRefusedWithThePlainEleven) {
-  const auto told = told_by([&] { EXPECT_EQ(find(0x2000005), nothing(11)); });
-  EXPECT_THAT(told, ElementsAre("error if_index 0x2000005 not fc port. type = 2\n",
-                                "printed FICON_ERR: if_index 0x2000005 not fc port. type = 2\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(0x2000005), nothing(11)); });
+  EXPECT_THAT(reports, ElementsAre("error if_index 0x2000005 not fc port. type = 2\n",
+                                   "printed FICON_ERR: if_index 0x2000005 not fc port. type = 2\n"));
   EXPECT_THAT(platform.calls(), ElementsAre("if_index_get_type(0x2000005)"));
 }
 
@@ -169,63 +169,63 @@ TEST_F(InterfaceToNumber, EveryTypeButThreeIsRefused) {
   for (int type = 0; type <= 255; ++type) {
     if (type == 1 || type == 4 || type == 10) continue;
     platform.interface(kPort5).type = static_cast<uint8_t>(type);
-    const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(11)); });
-    ASSERT_EQ(told.at(0), "error if_index 0x1000005 not fc port. type = " + std::to_string(type) + "\n");
+    const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(11)); });
+    ASSERT_EQ(reports.at(0), "error if_index 0x1000005 not fc port. type = " + std::to_string(type) + "\n");
   }
 }
 
 TEST_F(InterfaceToNumber, UnknownSlotIsReportedAndPassedOn) {
   platform.interface(kPort5).slot_status = 78;
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(78)); });
-  EXPECT_THAT(told, ElementsAre("error Failed to get slot for if_index 0x1000005 (78)\n",
-                                "printed FICON_ERR: Failed to get slot for if_index 0x1000005 (78)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(78)); });
+  EXPECT_THAT(reports, ElementsAre("error Failed to get slot for if_index 0x1000005 (78)\n",
+                                   "printed FICON_ERR: Failed to get slot for if_index 0x1000005 (78)\n"));
   EXPECT_THAT(platform.calls(), ElementsAre("if_index_get_type(0x1000005)", "if_index_get_slot(0x1000005)"));
 }
 
 TEST_F(InterfaceToNumber, UnknownPortIsReportedAndPassedOn) {
   platform.interface(kPort5).port_status = -79;
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(0xFFFFFFB1)); });
-  EXPECT_THAT(told, ElementsAre("error Failed to get port for if_index 0x1000005 (-79)\n",
-                                "printed FICON_ERR: Failed to get port for if_index 0x1000005 (-79)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(0xFFFFFFB1)); });
+  EXPECT_THAT(reports, ElementsAre("error Failed to get port for if_index 0x1000005 (-79)\n",
+                                   "printed FICON_ERR: Failed to get port for if_index 0x1000005 (-79)\n"));
   EXPECT_THAT(platform.calls(),
               ElementsAre("if_index_get_type(0x1000005)", "if_index_get_slot(0x1000005)", "if_index_get_port(0x1000005)"));
 }
 
 TEST_F(InterfaceToNumber, NegativeStatusesAreFailuresToo) {
   platform.interface(kPort5).slot_status = -78;
-  auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(0xFFFFFFB2)); });
-  EXPECT_EQ(told.at(0), "error Failed to get slot for if_index 0x1000005 (-78)\n");
+  auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(0xFFFFFFB2)); });
+  EXPECT_EQ(reports.at(0), "error Failed to get slot for if_index 0x1000005 (-78)\n");
   platform.interface(kPort5).type_status = -77;
-  told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(0xFFFFFFB3)); });
-  EXPECT_EQ(told.at(0), "error failed to get if type for if_index:0x1000005 (-77)\n");
+  reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(0xFFFFFFB3)); });
+  EXPECT_EQ(reports.at(0), "error failed to get if type for if_index:0x1000005 (-77)\n");
 }
 
 TEST_F(InterfaceToNumber, PositiveStatusOfThePortIsAFailureToo) {
   platform.interface(kPort5).port_status = 79;
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(79)); });
-  EXPECT_EQ(told.at(0), "error Failed to get port for if_index 0x1000005 (79)\n");
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(79)); });
+  EXPECT_EQ(reports.at(0), "error Failed to get port for if_index 0x1000005 (79)\n");
 }
 
 // ---- physical ports ----
 
 TEST_F(InterfaceToNumber, PhysicalPortYieldsItsWholeEntryAndIsTracedFromOne) {
   map.entry(1016, 7, 9, {1, 2, 3, 4, 5, 6, 7, 8});
-  const auto told = told_by([&] {
+  const auto reports = reports_of([&] {
     EXPECT_EQ(find(0x1000600), (found{0, make_entry(7, 9, {1, 2, 3, 4, 5, 6, 7, 8}), 1016}));
   });
-  EXPECT_THAT(told, ElementsAre("trace if_index:0x1000600, slot:7base1, port:1base1, port-number:7\n"));
+  EXPECT_THAT(reports, ElementsAre("trace if_index:0x1000600, slot:7base1, port:1base1, port-number:7\n"));
 }
 
 TEST_F(InterfaceToNumber, PhysicalPortWithoutANumberIsAnsweredAllTheSame) {
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), (found{0, make_entry(512, 512), 5})); });
-  EXPECT_THAT(told, ElementsAre("trace if_index:0x1000005, slot:1base1, port:6base1, port-number:512\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), (found{0, make_entry(512, 512), 5})); });
+  EXPECT_THAT(reports, ElementsAre("trace if_index:0x1000005, slot:1base1, port:6base1, port-number:512\n"));
 }
 
 TEST_F(InterfaceToNumber, NotAMemberStatusIsNoMembership) {
   map.entry(5, 7, 9, {10});
   platform.interface(kPort5).lag_status = kLagmapNotMember;
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), (found{0, make_entry(7, 9, {10}), 5})); });
-  EXPECT_THAT(told, ElementsAre("trace if_index:0x1000005, slot:1base1, port:6base1, port-number:7\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), (found{0, make_entry(7, 9, {10}), 5})); });
+  EXPECT_THAT(reports, ElementsAre("trace if_index:0x1000005, slot:1base1, port:6base1, port-number:7\n"));
 }
 
 TEST_F(InterfaceToNumber, PortChannelQueryStartsWithoutAChannel) {
@@ -238,52 +238,52 @@ TEST_F(InterfaceToNumber, PortChannelQueryStartsWithoutAChannel) {
 // A port above 253 is not rejected: it reads the next line card's entries.
 TEST_F(InterfaceToNumber, PortAboveTheLineCardsBlockIsNotRejected) {
   map.entry(255, 7, 9, {10});
-  const auto told = told_by([&] { EXPECT_EQ(find(0x10000FF), (found{0, make_entry(7, 9, {10}), 255})); });
-  EXPECT_THAT(told, ElementsAre("trace if_index:0x10000ff, slot:1base1, port:256base1, port-number:7\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(0x10000FF), (found{0, make_entry(7, 9, {10}), 255})); });
+  EXPECT_THAT(reports, ElementsAre("trace if_index:0x10000ff, slot:1base1, port:256base1, port-number:7\n"));
 }
 
 TEST_F(InterfaceToNumber, SupervisorSlotIsReportedAndPassedOn) {
-  const auto told = told_by([&] { EXPECT_EQ(find(0x1000400), nothing(kInvalidArg)); });
-  EXPECT_THAT(told, ElementsAre("error Invalid slot number for linecard 4 (1082458115)\n",
-                                "printed FICON_ERR: Invalid slot number for linecard 4 (1082458115)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(0x1000400), nothing(kInvalidArg)); });
+  EXPECT_THAT(reports, ElementsAre("error Invalid slot number for linecard 4 (1082458115)\n",
+                                   "printed FICON_ERR: Invalid slot number for linecard 4 (1082458115)\n"));
 }
 
 TEST_F(InterfaceToNumber, SlotThatTheChassisDoesNotHaveIsReportedAndPassedOn) {
-  const auto told = told_by([&] { EXPECT_EQ(find(0x1000A00), nothing(kInvalidArg)); });
-  EXPECT_THAT(told, ElementsAre("error Invalid slot number for linecard 10 (1082458115)\n",
-                                "printed FICON_ERR: Invalid slot number for linecard 10 (1082458115)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(0x1000A00), nothing(kInvalidArg)); });
+  EXPECT_THAT(reports, ElementsAre("error Invalid slot number for linecard 10 (1082458115)\n",
+                                   "printed FICON_ERR: Invalid slot number for linecard 10 (1082458115)\n"));
 }
 
 TEST_F(InterfaceToNumber, UnknownPlatformIsReportedAndPassedOn) {
   platform.info_answer = {-1, 5};
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(kPlatform)); });
-  EXPECT_THAT(told, ElementsAre("error Invalid slot number for linecard 0 (1082458122)\n",
-                                "printed FICON_ERR: Invalid slot number for linecard 0 (1082458122)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(kPlatform)); });
+  EXPECT_THAT(reports, ElementsAre("error Invalid slot number for linecard 0 (1082458122)\n",
+                                   "printed FICON_ERR: Invalid slot number for linecard 0 (1082458122)\n"));
 }
 
 TEST_F(InterfaceToNumber, UnknownChassisTypeIsReportedTwiceAndPassedOn) {
   platform.chassis_answer = {-1, 6};
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(kPlatform)); });
-  EXPECT_THAT(told, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
-                                "error Invalid slot number for linecard 0 (1082458122)\n",
-                                "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"
-                                "FICON_ERR: Invalid slot number for linecard 0 (1082458122)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(kPlatform)); });
+  EXPECT_THAT(reports, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
+                                   "error Invalid slot number for linecard 0 (1082458122)\n",
+                                   "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"
+                                   "FICON_ERR: Invalid slot number for linecard 0 (1082458122)\n"));
 }
 
 TEST_F(InterfaceToNumber, PlatformRecordThatCannotBeCachedIsReportedAndPassedOn) {
   platform.refuse_type(5);
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(kPlatform)); });
-  EXPECT_THAT(told, ElementsAre("error Invalid slot number for linecard 0 (1082458122)\n",
-                                "printed " + allocation_warning(81, 8) +
-                                    "FICON_ERR: Invalid slot number for linecard 0 (1082458122)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(kPlatform)); });
+  EXPECT_THAT(reports, ElementsAre("error Invalid slot number for linecard 0 (1082458122)\n",
+                                   "printed " + allocation_warning(81, 8) +
+                                       "FICON_ERR: Invalid slot number for linecard 0 (1082458122)\n"));
 }
 
 // ---- without the port-channel check ----
 
 TEST_F(InterfaceToNumber, SkippedCheckAsksNoServiceAndMakesNoTrace) {
   map.entry(5, 7, 9, {10});
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5, 1), (found{0, make_entry(7, 9, {10}), 5})); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5, 1), (found{0, make_entry(7, 9, {10}), 5})); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_THAT(platform.calls(), ElementsAreArray(sequence({{"if_index_get_type(0x1000005)", "if_index_get_slot(0x1000005)",
                                                             "if_index_get_port(0x1000005)"},
                                                            kFirstSlotConversion})));
@@ -296,9 +296,9 @@ TEST_F(InterfaceToNumber, SkippedCheckAnswersAMemberLikeAnyPort) {
 }
 
 TEST_F(InterfaceToNumber, SkippedCheckReportsASlotWithoutALineCard) {
-  const auto told = told_by([&] { EXPECT_EQ(find(0x1000505, 1), nothing(kInvalidArg)); });
-  EXPECT_THAT(told, ElementsAre("error Invalid slot number for linecard 5 (1082458115)\n",
-                                "printed FICON_ERR: Invalid slot number for linecard 5 (1082458115)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(0x1000505, 1), nothing(kInvalidArg)); });
+  EXPECT_THAT(reports, ElementsAre("error Invalid slot number for linecard 5 (1082458115)\n",
+                                   "printed FICON_ERR: Invalid slot number for linecard 5 (1082458115)\n"));
 }
 
 TEST_F(InterfaceToNumber, SkippedCheckDoesNotMatterForALogicalInterface) {
@@ -312,20 +312,20 @@ TEST_F(InterfaceToNumber, SkippedCheckDoesNotMatterForALogicalInterface) {
 TEST_F(InterfaceToNumber, FailingPortChannelServiceWritesNothingAndSucceeds) {
   map.entry(5, 7, 9, {10});
   platform.interface(kPort5).lag_status = 0x40470005;
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(0)); });
-  EXPECT_THAT(told, ElementsAre("error lagmap_get_port failed: if_index:0x1000005,rc:1078394885\n",
-                                "trace if_index:0x1000005, slot:1base1, port:6base1, port-number:61166\n",
-                                "printed FICON_ERR: lagmap_get_port failed: if_index:0x1000005,rc:1078394885\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(0)); });
+  EXPECT_THAT(reports, ElementsAre("error lagmap_get_port failed: if_index:0x1000005,rc:1078394885\n",
+                                   "trace if_index:0x1000005, slot:1base1, port:6base1, port-number:61166\n",
+                                   "printed FICON_ERR: lagmap_get_port failed: if_index:0x1000005,rc:1078394885\n"));
   EXPECT_EQ(platform.count("get_platform_info"), 0);
   EXPECT_EQ(platform.count("hwinv_get_chassis_type"), 0);
 }
 
 TEST_F(InterfaceToNumber, FailingPortChannelServiceHidesEvenASlotThatIsNotThere) {
   platform.interface(0x100FFFF).lag_status = -1;
-  const auto told = told_by([&] { EXPECT_EQ(find(0x100FFFF), nothing(0)); });
-  EXPECT_THAT(told, ElementsAre("error lagmap_get_port failed: if_index:0x100ffff,rc:-1\n",
-                                "trace if_index:0x100ffff, slot:256base1, port:256base1, port-number:61166\n",
-                                "printed FICON_ERR: lagmap_get_port failed: if_index:0x100ffff,rc:-1\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(0x100FFFF), nothing(0)); });
+  EXPECT_THAT(reports, ElementsAre("error lagmap_get_port failed: if_index:0x100ffff,rc:-1\n",
+                                   "trace if_index:0x100ffff, slot:256base1, port:256base1, port-number:61166\n",
+                                   "printed FICON_ERR: lagmap_get_port failed: if_index:0x100ffff,rc:-1\n"));
 }
 
 // ---- members of port-channels ----
@@ -333,20 +333,20 @@ TEST_F(InterfaceToNumber, FailingPortChannelServiceHidesEvenASlotThatIsNotThere)
 TEST_F(InterfaceToNumber, MemberIsReportedAndAnsweredThroughItsBinding) {
   map.entry(5, 7, 9, {10}).bind(30, kPort5).entry(1030, 30, 31, {20});
   platform.interface(kPort5).channel = 1;
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), numbers(30, 31, 1030)); });
-  EXPECT_THAT(told, ElementsAre("error if_index 0x1000005 is a port thats part of port-channel\n",
-                                "trace Found ifindex in pn to logif map for : 0x1000005\n ",
-                                "printed FICON_ERR: if_index 0x1000005 is a port thats part of port-channel\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), numbers(30, 31, 1030)); });
+  EXPECT_THAT(reports, ElementsAre("error if_index 0x1000005 is a port thats part of port-channel\n",
+                                   "trace Found ifindex in pn to logif map for : 0x1000005\n ",
+                                   "printed FICON_ERR: if_index 0x1000005 is a port thats part of port-channel\n"));
   EXPECT_EQ(platform.count("get_platform_info"), 0);
 }
 
 TEST_F(InterfaceToNumber, MemberWithoutABindingIsAMember) {
   map.entry(5, 7, 9, {10});
   platform.interface(kPort5).channel = 0x80000000;
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), nothing(kLagMember)); });
-  EXPECT_THAT(told, ElementsAre("error if_index 0x1000005 is a port thats part of port-channel\n",
-                                "trace if_index:0x1000005 not associated\n",
-                                "printed FICON_ERR: if_index 0x1000005 is a port thats part of port-channel\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), nothing(kLagMember)); });
+  EXPECT_THAT(reports, ElementsAre("error if_index 0x1000005 is a port thats part of port-channel\n",
+                                   "trace if_index:0x1000005 not associated\n",
+                                   "printed FICON_ERR: if_index 0x1000005 is a port thats part of port-channel\n"));
 }
 
 TEST_F(InterfaceToNumber, MemberWhoseNumberIsNotReservedKeepsTheNumberAndIsAMember) {
@@ -354,11 +354,11 @@ TEST_F(InterfaceToNumber, MemberWhoseNumberIsNotReservedKeepsTheNumberAndIsAMemb
   platform.interface(kPort5).channel = 1;
   found expected = nothing(kLagMember);
   expected.entry.pn = 30;
-  const auto told = told_by([&] { EXPECT_EQ(find(kPort5), expected); });
-  EXPECT_THAT(told, ElementsAre("error if_index 0x1000005 is a port thats part of port-channel\n",
-                                "trace Found ifindex in pn to logif map for : 0x1000005\n ",
-                                "trace if_index:0x1000005 not reserved\n", "trace if_index:0x1000005 not associated\n",
-                                "printed FICON_ERR: if_index 0x1000005 is a port thats part of port-channel\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kPort5), expected); });
+  EXPECT_THAT(reports, ElementsAre("error if_index 0x1000005 is a port thats part of port-channel\n",
+                                   "trace Found ifindex in pn to logif map for : 0x1000005\n ",
+                                   "trace if_index:0x1000005 not reserved\n", "trace if_index:0x1000005 not associated\n",
+                                   "printed FICON_ERR: if_index 0x1000005 is a port thats part of port-channel\n"));
 }
 
 // ---- logical interfaces ----
@@ -366,9 +366,9 @@ TEST_F(InterfaceToNumber, MemberWhoseNumberIsNotReservedKeepsTheNumberAndIsAMemb
 TEST_F(InterfaceToNumber, LogicalInterfaceYieldsNumberAddressAndIndexOnly) {
   know_ports(400);
   map.bind(300, kChannel1).entry(1030, 300, 31, {20});
-  const auto told = told_by([&] { EXPECT_EQ(find(kChannel1), numbers(300, 31, 1030)); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kChannel1), numbers(300, 31, 1030)); });
   // The blank after the line end is part of the text.
-  EXPECT_THAT(told, ElementsAre("trace Found ifindex in pn to logif map for : 0x4000001\n "));
+  EXPECT_THAT(reports, ElementsAre("trace Found ifindex in pn to logif map for : 0x4000001\n "));
   EXPECT_THAT(platform.calls(), ElementsAre("if_index_get_type(0x4000001)"));
 }
 
@@ -381,8 +381,8 @@ TEST_F(InterfaceToNumber, BothLogicalTypesAreSearchedFor) {
 TEST_F(InterfaceToNumber, LogicalInterfaceNotInTheTableIsNotAssociated) {
   map.bind(30, 0x4000002).entry(1030, 30, 31, {});
   for (const uint32_t if_index : {kChannel1, kTunnel1}) EXPECT_EQ(find(if_index), nothing(kNotAssociated));
-  const auto told = told_by([&] { find(kChannel1); });
-  EXPECT_THAT(told, ElementsAre("trace if_index:0x4000001 not associated\n"));
+  const auto reports = reports_of([&] { find(kChannel1); });
+  EXPECT_THAT(reports, ElementsAre("trace if_index:0x4000001 not associated\n"));
 }
 
 TEST_F(InterfaceToNumber, NumberThatIsNotReservedStaysInTheEntry) {
@@ -390,9 +390,9 @@ TEST_F(InterfaceToNumber, NumberThatIsNotReservedStaysInTheEntry) {
   map.bind(30, kChannel1).entry(5, 30, 31, {}).entry(1023, 30, 31, {});
   found expected = nothing(kNotAssociated);
   expected.entry.pn = 30;
-  const auto told = told_by([&] { EXPECT_EQ(find(kChannel1), expected); });
-  EXPECT_THAT(told, ElementsAre("trace Found ifindex in pn to logif map for : 0x4000001\n ",
-                                "trace if_index:0x4000001 not reserved\n", "trace if_index:0x4000001 not associated\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(kChannel1), expected); });
+  EXPECT_THAT(reports, ElementsAre("trace Found ifindex in pn to logif map for : 0x4000001\n ",
+                                   "trace if_index:0x4000001 not reserved\n", "trace if_index:0x4000001 not associated\n"));
 }
 
 TEST_F(InterfaceToNumber, LowestNumberOfAnInterfaceAnswers) {
@@ -420,8 +420,8 @@ TEST_F(InterfaceToNumber, WithoutPortsKnownNothingIsSearched) {
   map.bind(0, kChannel1).entry(1024, 0, 31, {});
   for (const int32_t ports : {0, -1}) {
     know_ports(ports);
-    const auto told = told_by([&] { EXPECT_EQ(find(kChannel1), nothing(kNotAssociated)) << ports; });
-    EXPECT_THAT(told, ElementsAre("trace if_index:0x4000001 not associated\n"));
+    const auto reports = reports_of([&] { EXPECT_EQ(find(kChannel1), nothing(kNotAssociated)) << ports; });
+    EXPECT_THAT(reports, ElementsAre("trace if_index:0x4000001 not associated\n"));
   }
 }
 
@@ -616,11 +616,11 @@ TEST_F(InterfaceToNumberWrapper, NumberThatIsNotReservedIsNotStored) {
 TEST_F(InterfaceToNumberWrapper, LenientOutcomeOfANumberIsNoNumber) {
   map.entry(5, 7, 9, {10});
   make_service_fail();
-  const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_if_to_pn(kPort5, &number), 0); });
+  const auto reports = reports_of([&] { EXPECT_EQ(ficon_pmap_get_if_to_pn(kPort5, &number), 0); });
   EXPECT_EQ(number, 512);
-  EXPECT_THAT(told, ElementsAre("error lagmap_get_port failed: if_index:0x1000005,rc:1078394885\n",
-                                "trace if_index:0x1000005, slot:1base1, port:6base1, port-number:512\n",
-                                "printed FICON_ERR: lagmap_get_port failed: if_index:0x1000005,rc:1078394885\n"));
+  EXPECT_THAT(reports, ElementsAre("error lagmap_get_port failed: if_index:0x1000005,rc:1078394885\n",
+                                   "trace if_index:0x1000005, slot:1base1, port:6base1, port-number:512\n",
+                                   "printed FICON_ERR: lagmap_get_port failed: if_index:0x1000005,rc:1078394885\n"));
 }
 
 TEST_F(InterfaceToNumberWrapper, LenientOutcomeOfANumberWithTableIsNoNumber) {
@@ -641,13 +641,13 @@ TEST_F(InterfaceToNumberWrapper, LenientOutcomeOfAnAddressIsNoNumber) {
 TEST_F(InterfaceToNumberWrapper, LenientOutcomeOfAnIndexLeavesItAlone) {
   map.entry(5, 7, 9, {10});
   make_service_fail();
-  const auto told = told_by([&] {
+  const auto reports = reports_of([&] {
     EXPECT_EQ(ficon_pmap_get_if_to_index(kPort5, &index), 0);
     EXPECT_EQ(ficon_pmap_get_if_to_index_with2pmaps(kPort5, &index, given.data(), map.port_to_pn.data(), 0), 0);
   });
   EXPECT_EQ(index, kUntouched32);
-  EXPECT_EQ(told.at(1), "trace if_index:0x1000005, slot:1base1, port:6base1, port-number:512\n");
-  EXPECT_EQ(told.at(3), "trace if_index:0x1000005, slot:1base1, port:6base1, port-number:512\n");
+  EXPECT_EQ(reports.at(1), "trace if_index:0x1000005, slot:1base1, port:6base1, port-number:512\n");
+  EXPECT_EQ(reports.at(3), "trace if_index:0x1000005, slot:1base1, port:6base1, port-number:512\n");
 }
 
 TEST_F(InterfaceToNumberWrapper, IndexWithBothTablesFetchesNothing) {

@@ -43,9 +43,9 @@ class NumberToInterface : public PortMapTest {
 TEST_F(NumberToInterface, NullResultAddressIsRefusedBeforeAnythingElse) {
   uint32_t flag = kUntouched32;
   for (const int32_t fast : {0, 1}) {
-    const auto told =
-        told_by([&] { EXPECT_EQ(ficon_pmap_get_pn_to_if_withpvsan(7, &kVsan10, nullptr, &flag, fast), kInvalidArg); });
-    EXPECT_THAT(told, IsEmpty());
+    const auto reports =
+        reports_of([&] { EXPECT_EQ(ficon_pmap_get_pn_to_if_withpvsan(7, &kVsan10, nullptr, &flag, fast), kInvalidArg); });
+    EXPECT_THAT(reports, IsEmpty());
   }
   EXPECT_EQ(flag, kUntouched32);
   EXPECT_THAT(platform.all_calls(), IsEmpty());
@@ -54,9 +54,9 @@ TEST_F(NumberToInterface, NullResultAddressIsRefusedBeforeAnythingElse) {
 TEST_F(NumberToInterface, NullFlagAddressIsRefusedBeforeAnythingElse) {
   uint32_t if_index = kUntouched32;
   for (const int32_t fast : {0, 1}) {
-    const auto told =
-        told_by([&] { EXPECT_EQ(ficon_pmap_get_pn_to_if_withpvsan(7, &kVsan10, &if_index, nullptr, fast), kInvalidArg); });
-    EXPECT_THAT(told, IsEmpty());
+    const auto reports = reports_of(
+        [&] { EXPECT_EQ(ficon_pmap_get_pn_to_if_withpvsan(7, &kVsan10, &if_index, nullptr, fast), kInvalidArg); });
+    EXPECT_THAT(reports, IsEmpty());
   }
   EXPECT_EQ(if_index, kUntouched32);
   EXPECT_THAT(platform.all_calls(), IsEmpty());
@@ -113,31 +113,31 @@ TEST_F(NumberToInterface, FetchMakesTheNumberOfPortsKnownFirst) {
 
 TEST_F(NumberToInterface, UnknownNumberOfPortsIsPassedOnWithoutAReportOfItsOwn) {
   hide_ports();
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kPlatform, kUntouched32, 1})); });
-  EXPECT_THAT(told, ElementsAre("error get_platform_info failed, errno = 5",
-                                "printed FICON_ERR: get_platform_info failed, errno = 5"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kPlatform, kUntouched32, 1})); });
+  EXPECT_THAT(reports, ElementsAre("error get_platform_info failed, errno = 5",
+                                   "printed FICON_ERR: get_platform_info failed, errno = 5"));
   EXPECT_THAT(platform.calls(), ElementsAre("get_platform_info()"));
 }
 
 TEST_F(NumberToInterface, RefusedInterfaceTableIsPassedOnAndNothingElseIsFetched) {
   platform.refuse_type(3);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(1530, 1016)));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(1530, 1016)));
   EXPECT_THAT(platform.calls(), ElementsAre("memacct_alloc(206, 3, 1016)"));
 }
 
 TEST_F(NumberToInterface, RefusedPortTableIsPassedOnAndTheVsanTableIsNotFetched) {
   platform.refuse_allocation(2);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(1453, 25600)));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(1453, 25600)));
   EXPECT_THAT(platform.calls(), ElementsAreArray(sequence({kFirstInterfaceFetch, {"memacct_alloc(206, 5, 25600)"}})));
 }
 
 TEST_F(NumberToInterface, RefusedVsanTableIsPassedOn) {
   map.entry(5, 7, 7, {10}, 10);
   platform.refuse_allocation(3);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(1420, 2560)));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(1420, 2560)));
   EXPECT_THAT(platform.calls(),
               ElementsAreArray(sequence({kFirstInterfaceFetch,
                                          kFirstPortFetch,
@@ -234,19 +234,20 @@ TEST_F(NumberToInterface, FastFormWithoutAVsanDoesWithoutTheVsanTable) {
 TEST_F(NumberToInterface, TraceTellsTheFastPathFlagAsItStands) {
   map.entry(5, 7, 7, {10}, 10);
   cache_map(5);
-  const auto told = told_by([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{0, physical_interface(0, 5), 1})); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{0, physical_interface(0, 5), 1})); });
   EXPECT_THAT(
-      told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(1) Bound If(0x1000005) Vsan(10) "
-                        "In Vsan(1) gvp(5) vsan_if(0x1000005)\n"));
+      reports,
+      ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(1) Bound If(0x1000005) Vsan(10) "
+                  "In Vsan(1) gvp(5) vsan_if(0x1000005)\n"));
 }
 
 // ---- range ----
 
 TEST_F(NumberToInterface, NumberAtTheBoundIsOutOfRangeAfterTheFetch) {
   map.entry(5, 254, 254, {10}, 10).bind(254, 0x4000001);
-  const auto told = told_by([&] { EXPECT_EQ(find(254, &kVsan10), (found{kPnRange, kUntouched32, 1})); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(254, &kVsan10), (found{kPnRange, kUntouched32, 1})); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_THAT(platform.calls(), ElementsAreArray(sequence({kFirstInterfaceFetch, kFirstPortFetch, kFirstVsanFetch})));
 }
 
@@ -299,8 +300,8 @@ TEST_F(NumberToInterface, NumberAboveSixteenBitsIsComparedWhole) {
 
 TEST_F(NumberToInterface, BoundInterfaceAnswersWithoutTraceWhateverTheVsan) {
   map.bind(7, 0x4000001).entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {10}, 10);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, 0x4000001, 1})); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, 0x4000001, 1})); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_THAT(platform.calls(), ElementsAreArray(sequence({kFirstInterfaceFetch, kFirstPortFetch, kFirstVsanFetch})));
 }
 
@@ -321,9 +322,9 @@ TEST_F(NumberToInterface, BoundInterfaceIsHandedBackWithAllItsBits) {
 
 TEST_F(NumberToInterface, EntriesBoundToNoVsanAreIgnored) {
   map.entry(5, 7, 7, {}, 10).entry(6, 7, 7, {}, 10);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
-                                "In Vsan(0) gvp(1) vsan_if(0)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
+                                   "In Vsan(0) gvp(1) vsan_if(0)\n"));
   EXPECT_EQ(platform.count("if_index_phy_fc_port_init"), 0);
 }
 
@@ -407,39 +408,40 @@ TEST_F(NumberToInterface, WalkMeetsWhatAPlainLoopMeets) {
 // Their interface would be the one bound to the number, and a bound one has answered already.
 TEST_F(NumberToInterface, EntriesBeyondThePhysicalPortsNeverAnswer) {
   map.entry(1024, 7, 7, {10}, 10).entry(1279, 7, 7, {10}, 10);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
-                                "In Vsan(0) gvp(1) vsan_if(0)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
+                                   "In Vsan(0) gvp(1) vsan_if(0)\n"));
   EXPECT_THAT(platform.calls(), ElementsAreArray(sequence({kFirstInterfaceFetch, kFirstPortFetch, kFirstVsanFetch})));
 }
 
 TEST_F(NumberToInterface, EntryOnALineCardWithoutASlotIsSkippedSilently) {
   platform.set_chassis(6, 5); // line cards 0 to 3
   map.entry(1016, 7, 7, {10}, 10).entry(1015, 7, 7, {10}, 10);
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{0, physical_interface(3, 253), 1})); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{0, physical_interface(3, 253), 1})); });
   EXPECT_THAT(
-      told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x10003fd) vsans(10 0 0 0 0 0 0 0)\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
-                        "gvp(0) vsan_if(0)\n"));
+      reports,
+      ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x10003fd) vsans(10 0 0 0 0 0 0 0)\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
+                  "gvp(0) vsan_if(0)\n"));
 }
 
 TEST_F(NumberToInterface, EntryOfAnUnknownChassisTypeIsSkippedAndReported) {
   platform.chassis_answer = {-1, 6};
   map.entry(5, 7, 7, {10}, 10);
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
-                                "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(0) "
-                                "In Vsan(0) gvp(0) vsan_if(0)\n",
-                                "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
+                                   "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(0) "
+                                   "In Vsan(0) gvp(0) vsan_if(0)\n",
+                                   "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"));
 }
 
 TEST_F(NumberToInterface, EntryIsSkippedWhenThePlatformRecordCannotBeCached) {
   map.entry(5, 7, 7, {10}, 10);
   platform.refuse_allocation(3);
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(0) "
-                                "In Vsan(0) gvp(0) vsan_if(0)\n",
-                                "printed " + allocation_warning(81, 8)));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(0) "
+                                   "In Vsan(0) gvp(0) vsan_if(0)\n",
+                                   "printed " + allocation_warning(81, 8)));
 }
 
 TEST_F(NumberToInterface, EntryWhoseInterfaceCannotBeBuiltIsSkippedSilently) {
@@ -454,40 +456,41 @@ TEST_F(NumberToInterface, EntryWhoseInterfaceCannotBeBuiltIsSkippedSilently) {
 TEST_F(NumberToInterface, PortWithoutAPortIndexIsTracedAndSkipped) {
   map.entry(5, 7, 7, {10}, 10);
   platform.interface(0x1000005).portidx_status = kPortidxNoPort;
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329346)\n",
-                                "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
-                                "In Vsan(0) gvp(1) vsan_if(0)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329346)\n",
+                                   "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
+                                   "In Vsan(0) gvp(1) vsan_if(0)\n"));
   EXPECT_EQ(platform.count("lagmap_get_port"), 0);
 }
 
 TEST_F(NumberToInterface, AnyFailureOfThePortIndexIsTracedAndSkipped) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {10}, 10);
   platform.interface(0x1000006).portidx_status = -3;
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
   EXPECT_THAT(
-      told, ElementsAre("trace portidx lookup failed for IfIndex 1000006 with err (-3)\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
-                        "gvp(0) vsan_if(0)\n"));
+      reports,
+      ElementsAre("trace portidx lookup failed for IfIndex 1000006 with err (-3)\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
+                  "gvp(0) vsan_if(0)\n"));
 }
 
 TEST_F(NumberToInterface, NumberCarriedOnlyByPortChannelMembersHasNoInterface) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {10}, 10);
   platform.interface(0x1000005).channel = 1;
   platform.interface(0x1000006).channel = 0x80000000;
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("trace Port Number:7 is associated with a port thats part of port-channel\n",
-                                "trace Port Number:7 is associated with a port thats part of port-channel\n",
-                                "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
-                                "In Vsan(0) gvp(1) vsan_if(0)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace Port Number:7 is associated with a port thats part of port-channel\n",
+                                   "trace Port Number:7 is associated with a port thats part of port-channel\n",
+                                   "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
+                                   "In Vsan(0) gvp(1) vsan_if(0)\n"));
 }
 
 TEST_F(NumberToInterface, TraceOfAMemberShowsTheNumberInDecimal) {
   map.entry(5, 77, 7, {10}, 10);
   platform.interface(0x1000005).channel = 1;
-  const auto told = told_by([&] { EXPECT_EQ(find(77).status, kNoIf); });
-  EXPECT_EQ(told.at(0), "trace Port Number:77 is associated with a port thats part of port-channel\n");
+  const auto reports = reports_of([&] { EXPECT_EQ(find(77).status, kNoIf); });
+  EXPECT_EQ(reports.at(0), "trace Port Number:77 is associated with a port thats part of port-channel\n");
 }
 
 TEST_F(NumberToInterface, PortChannelMemberDoesNotMakeAnAnswerAmbiguous) {
@@ -499,23 +502,25 @@ TEST_F(NumberToInterface, PortChannelMemberDoesNotMakeAnAnswerAmbiguous) {
 TEST_F(NumberToInterface, NotAMemberStatusIsNoMembership) {
   map.entry(5, 7, 7, {10}, 10);
   platform.interface(0x1000005).lag_status = kLagmapNotMember;
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
   EXPECT_THAT(
-      told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
-                        "gvp(0) vsan_if(0)\n"));
+      reports,
+      ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
+                  "gvp(0) vsan_if(0)\n"));
 }
 
 TEST_F(NumberToInterface, FailingPortChannelServiceIsReportedAndThePortSkipped) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {10}, 10);
   platform.interface(0x1000006).lag_status = 0x40470005;
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
   EXPECT_THAT(
-      told, ElementsAre("error lagmap_get_port failed: if_index:0x1000006\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
-                        "gvp(0) vsan_if(0)\n",
-                        "printed FICON_ERR: lagmap_get_port failed: if_index:0x1000006\n"));
+      reports,
+      ElementsAre("error lagmap_get_port failed: if_index:0x1000006\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
+                  "gvp(0) vsan_if(0)\n",
+                  "printed FICON_ERR: lagmap_get_port failed: if_index:0x1000006\n"));
 }
 
 TEST_F(NumberToInterface, PortChannelQueriesStartWithoutAChannel) {
@@ -532,19 +537,20 @@ TEST_F(NumberToInterface, PortChannelQueriesStartWithoutAChannel) {
 TEST_F(NumberToInterface, ServicesAreAskedAboutTheInterfaceThatWasBuilt) {
   map.entry(5, 7, 7, {10}, 10);
   platform.override_port_init(0, 5, 0xFEDCBA98);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, 0xFEDCBA98, 1})); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, 0xFEDCBA98, 1})); });
   EXPECT_THAT(
-      told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0xfedcba98) vsans(10 0 0 0 0 0 0 0)\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(1) Bound If(0xfedcba98) Vsan(10) "
-                        "In Vsan(1) gvp(1) vsan_if(0xfedcba98)\n"));
+      reports,
+      ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0xfedcba98) vsans(10 0 0 0 0 0 0 0)\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(1) Bound If(0xfedcba98) Vsan(10) "
+                  "In Vsan(1) gvp(1) vsan_if(0xfedcba98)\n"));
   EXPECT_EQ(platform.count("portidx_port_by_if_index(0xfedcba98)"), 1);
   EXPECT_EQ(platform.count("lagmap_get_port(0xfedcba98)"), 1);
 }
 
 TEST_F(NumberToInterface, TraceOfACandidateShowsItsEightSlotsUnsigned) {
   map.entry(5, 7, 9, {1, 20, 300, 4000, 0, 6, 7, 65535}, 10);
-  const auto told = told_by([&] { EXPECT_EQ(find(7).status, 0u); });
-  EXPECT_EQ(told.at(0),
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7).status, 0u); });
+  EXPECT_EQ(reports.at(0),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(1 20 300 4000 0 6 7 65535)\n");
 }
 
@@ -552,10 +558,10 @@ TEST_F(NumberToInterface, TracesShowEveryNumberInDecimal) {
   const uint32_t vsan = 20;
   for (size_t index = 10; index < 22; ++index) map.entry(index, 17, 7, {20, 11, 12, 13, 14, 15, 16, 18}, 20);
   cache_map(16);
-  const auto told = told_by([&] { EXPECT_EQ(find_fast(17, &vsan), (found{kMultiIf, 0, 1})); });
-  EXPECT_EQ(told.at(0),
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fast(17, &vsan), (found{kMultiIf, 0, 1})); });
+  EXPECT_EQ(reports.at(0),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(17) inst if(0x1000015) vsans(20 11 12 13 14 15 16 18)\n");
-  EXPECT_EQ(told.at(12),
+  EXPECT_EQ(reports.at(12),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(12) Bound(12) Bound If(0x100000a) Vsan(20) In Vsan(12) "
             "gvp(16) vsan_if(0x100000a)\n");
 }
@@ -568,9 +574,9 @@ TEST_F(NumberToInterface, VsanIsReadAgainForEveryEntry) {
   platform.on_call = [&](const std::string& call) {
     if (call == "lagmap_get_port(0x1000005)") vsan = 20;
   };
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &vsan), (found{0, physical_interface(0, 9), 1})); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &vsan), (found{0, physical_interface(0, 9), 1})); });
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(1) Bound If(0x1000009) Vsan(20) In Vsan(2) gvp(1) "
       "vsan_if(0x1000005)\n");
 }
@@ -585,9 +591,9 @@ TEST_F(NumberToInterface, VsanIsReadAfterTheCandidateIsTraced) {
 }
 
 TEST_F(NumberToInterface, FetchingFormTracesTheVsanThatItFetchedFor) {
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
-                                "In Vsan(0) gvp(1) vsan_if(0)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
+                                   "In Vsan(0) gvp(1) vsan_if(0)\n"));
 }
 
 TEST_F(NumberToInterface, FlagIsSetBeforeTheVsanIsRead) {
@@ -603,16 +609,16 @@ TEST_F(NumberToInterface, FetchingFormReadsTheVsanAfterTheOtherTables) {
   platform.on_call = [&](const std::string& call) {
     if (call == kPortFetch[0]) vsan = 10;
   };
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &vsan), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
-                                "In Vsan(0) gvp(1) vsan_if(0)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &vsan), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(10) "
+                                   "In Vsan(0) gvp(1) vsan_if(0)\n"));
 }
 
 TEST_F(NumberToInterface, FastFormTracesVsanZeroBeforeItReadTheVsan) {
   cache_map();
-  const auto told = told_by([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(0) "
-                                "In Vsan(0) gvp(1) vsan_if(0)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(0) "
+                                   "In Vsan(0) gvp(1) vsan_if(0)\n"));
 }
 
 // An entry that is no candidate does not make the fast form read the VSAN.
@@ -620,8 +626,8 @@ TEST_F(NumberToInterface, FastFormReadsTheVsanOnlyForACandidate) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {}, 10);
   platform.interface(0x1000005).channel = 2;
   cache_map();
-  const auto told = told_by([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{kNoIf, 0, 1})); });
-  EXPECT_EQ(told.back(),
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{kNoIf, 0, 1})); });
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(0) Bound(0) Bound If(0) Vsan(0) In Vsan(0) gvp(1) "
             "vsan_if(0)\n");
 }
@@ -629,8 +635,8 @@ TEST_F(NumberToInterface, FastFormReadsTheVsanOnlyForACandidate) {
 TEST_F(NumberToInterface, VsanAboveSixteenBitsIsInNoPortsVsan) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {10}, 10);
   const uint32_t vsan = 0x1000A;
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &vsan), (found{kNoIf, 0, 1})); });
-  EXPECT_EQ(told.back(),
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &vsan), (found{kNoIf, 0, 1})); });
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(0) Bound If(0) Vsan(65546) In Vsan(0) gvp(1) "
             "vsan_if(0)\n");
 }
@@ -639,8 +645,8 @@ TEST_F(NumberToInterface, VsanAboveSixteenBitsIsFoundInTheSlotsByItsLowBits) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {20}, 10);
   cache_map(0);
   const uint32_t vsan = 0xFFFF000A;
-  const auto told = told_by([&] { EXPECT_EQ(find_fast(7, &vsan), (found{0, physical_interface(0, 5), 1})); });
-  EXPECT_EQ(told.back(),
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fast(7, &vsan), (found{0, physical_interface(0, 5), 1})); });
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(1) Bound If(0x1000005) Vsan(-65526) In Vsan(0) "
             "gvp(0) vsan_if(0)\n");
 }
@@ -659,12 +665,12 @@ class NumberToInterfaceDecision : public NumberToInterface, public ::testing::Wi
  protected:
   found decide(const uint32_t* vsan = &kVsan10) {
     if (GetParam() != 0) cache_map(1);
-    told = told_by([&] { answer = find(7, vsan, GetParam()); });
+    reports = reports_of([&] { answer = find(7, vsan, GetParam()); });
     return answer;
   }
 
   found answer{};
-  std::vector<std::string> told;
+  std::vector<std::string> reports;
 };
 
 INSTANTIATE_TEST_SUITE_P(Forms, NumberToInterfaceDecision, ::testing::Values(0, 1),
@@ -673,7 +679,7 @@ INSTANTIATE_TEST_SUITE_P(Forms, NumberToInterfaceDecision, ::testing::Values(0, 
 TEST_P(NumberToInterfaceDecision, OneCandidateAnswersWhateverItsVsans) {
   map.entry(5, 7, 7, {20}, 20);
   EXPECT_EQ(decide(), (found{0, physical_interface(0, 5), 1}));
-  EXPECT_EQ(told.back(),
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(10) In Vsan(0) gvp(1) "
             "vsan_if(0)\n");
 }
@@ -681,7 +687,7 @@ TEST_P(NumberToInterfaceDecision, OneCandidateAnswersWhateverItsVsans) {
 TEST_P(NumberToInterfaceDecision, OneCandidateWithoutVsan) {
   map.entry(5, 7, 7, {20}, 20);
   EXPECT_EQ(decide(nullptr), (found{0, physical_interface(0, 5), 1}));
-  EXPECT_EQ(told.back(),
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(1) Bound(0) Bound If(0) Vsan(0) In Vsan(0) gvp(0) "
             "vsan_if(0)\n");
 }
@@ -695,16 +701,17 @@ TEST_P(NumberToInterfaceDecision, TwoCandidatesWithoutVsanAreAmbiguous) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {20}, 20);
   EXPECT_EQ(decide(nullptr), (found{kMultiIf, 0, 1}));
   EXPECT_THAT(
-      told, ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000006) vsans(20 0 0 0 0 0 0 0)\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
-                        "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
-                        "gvp(0) vsan_if(0)\n"));
+      reports,
+      ElementsAre("trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000006) vsans(20 0 0 0 0 0 0 0)\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2254) pn(7) inst if(0x1000005) vsans(10 0 0 0 0 0 0 0)\n",
+                  "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(0) Bound If(0) Vsan(0) In Vsan(0) "
+                  "gvp(0) vsan_if(0)\n"));
 }
 
 TEST_P(NumberToInterfaceDecision, OnePortInTheVsanAnswersEvenIfNotBoundToIt) {
   map.entry(5, 7, 7, {10}, 20).entry(6, 7, 7, {20}, 10);
   EXPECT_EQ(decide(), (found{0, physical_interface(0, 6), 1}));
-  EXPECT_EQ(told.back(),
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(0) Bound If(0) Vsan(10) In Vsan(1) gvp(1) "
             "vsan_if(0x1000006)\n");
 }
@@ -713,7 +720,7 @@ TEST_P(NumberToInterfaceDecision, OnePortInTheVsanAndBoundToIt) {
   map.entry(5, 7, 7, {20, 30, 40, 50, 60, 70, 80, 10}, 10).entry(6, 7, 7, {20}, 20);
   EXPECT_EQ(decide(), (found{0, physical_interface(0, 5), 1}));
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(1) Bound If(0x1000005) Vsan(10) In Vsan(1) gvp(1) "
       "vsan_if(0x1000005)\n");
 }
@@ -721,7 +728,7 @@ TEST_P(NumberToInterfaceDecision, OnePortInTheVsanAndBoundToIt) {
 TEST_P(NumberToInterfaceDecision, NoPortInTheVsanIsNotFoundEvenIfOneIsBound) {
   map.entry(5, 7, 7, {10}, 20).entry(6, 7, 7, {20}, 20);
   EXPECT_EQ(decide(), (found{kNoIf, 0, 1}));
-  EXPECT_EQ(told.back(),
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(0) Bound If(0) Vsan(10) In Vsan(0) gvp(1) "
             "vsan_if(0)\n");
 }
@@ -730,7 +737,7 @@ TEST_P(NumberToInterfaceDecision, OfSeveralInTheVsanTheOneBoundAnswers) {
   map.entry(4, 7, 7, {20}, 10).entry(5, 7, 7, {20, 10}, 10).entry(6, 7, 7, {20}, 10);
   EXPECT_EQ(decide(), (found{0, physical_interface(0, 5), 1}));
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(3) Bound(1) Bound If(0x1000005) Vsan(10) In Vsan(3) gvp(1) "
       "vsan_if(0x1000004)\n");
 }
@@ -739,7 +746,7 @@ TEST_P(NumberToInterfaceDecision, OfSeveralInTheVsanTheOneBoundAnswers) {
 TEST_P(NumberToInterfaceDecision, OfSeveralInTheVsanAndNoneBoundTheLowestComesBackWithFlagCleared) {
   map.entry(4, 7, 7, {20}, 10).entry(5, 7, 7, {20}, 10).entry(6, 7, 7, {10}, 20);
   EXPECT_EQ(decide(), (found{kMultiIf, physical_interface(0, 4), 0}));
-  EXPECT_EQ(told.back(),
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(3) Bound(0) Bound If(0) Vsan(10) In Vsan(2) gvp(1) "
             "vsan_if(0x1000004)\n");
 }
@@ -748,7 +755,7 @@ TEST_P(NumberToInterfaceDecision, OfSeveralInTheVsanAndSeveralBoundNoneAnswers) 
   map.entry(4, 7, 7, {10}, 10).entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {20}, 10);
   EXPECT_EQ(decide(), (found{kMultiIf, 0, 1}));
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(3) Bound(2) Bound If(0x1000004) Vsan(10) In Vsan(3) gvp(1) "
       "vsan_if(0x1000004)\n");
 }
@@ -757,9 +764,9 @@ TEST_P(NumberToInterfaceDecision, OfSeveralInTheVsanAndSeveralBoundNoneAnswers) 
 TEST_F(NumberToInterface, WithoutTheVsanTableTheOneBoundAnswers) {
   map.entry(4, 7, 7, {20}, 10).entry(5, 7, 7, {20, 10}, 20).entry(6, 7, 7, {20}, 10);
   cache_map(0);
-  const auto told = told_by([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{0, physical_interface(0, 5), 1})); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{0, physical_interface(0, 5), 1})); });
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(3) Bound(1) Bound If(0x1000005) Vsan(10) In Vsan(0) gvp(0) "
       "vsan_if(0)\n");
 }
@@ -773,9 +780,9 @@ TEST_F(NumberToInterface, WithoutTheVsanTableNoneBoundIsNotFound) {
 TEST_F(NumberToInterface, WithoutTheVsanTableSeveralBoundAreAmbiguous) {
   map.entry(4, 7, 7, {10}, 10).entry(5, 7, 7, {10}, 20).entry(6, 7, 7, {20}, 10);
   cache_map(0);
-  const auto told = told_by([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{kMultiIf, 0, 1})); });
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fast(7, &kVsan10), (found{kMultiIf, 0, 1})); });
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(3) Bound(2) Bound If(0x1000004) Vsan(10) In Vsan(0) gvp(0) "
       "vsan_if(0)\n");
 }
@@ -803,38 +810,38 @@ class NumberToInterfaceWrapper : public NumberToInterface {
 };
 
 TEST_F(NumberToInterfaceWrapper, NumberAloneFetchesAndGivesNoVsan) {
-  const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_pn_to_if(7, &if_index), kMultiIf); });
+  const auto reports = reports_of([&] { EXPECT_EQ(ficon_pmap_get_pn_to_if(7, &if_index), kMultiIf); });
   EXPECT_EQ(if_index, 0u);
-  EXPECT_EQ(told.back(),
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(0) Bound If(0) Vsan(0) In Vsan(0) gvp(0) "
             "vsan_if(0)\n");
   EXPECT_EQ(platform.count("elemdb_lookup_element"), 2);
 }
 
 TEST_F(NumberToInterfaceWrapper, NumberAndVsanFetch) {
-  const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_pn_vsan_to_if(7, 10, &if_index), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(ficon_pmap_get_pn_vsan_to_if(7, 10, &if_index), 0u); });
   EXPECT_EQ(if_index, physical_interface(0, 6));
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(1) Bound If(0x1000006) Vsan(10) In Vsan(1) gvp(1) "
       "vsan_if(0x1000006)\n");
   EXPECT_EQ(platform.count("elemdb_lookup_element"), 4);
 }
 
 TEST_F(NumberToInterfaceWrapper, FastNumberAloneFetchesNothing) {
-  const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_pn_to_if_fast(7, &if_index), kMultiIf); });
+  const auto reports = reports_of([&] { EXPECT_EQ(ficon_pmap_get_pn_to_if_fast(7, &if_index), kMultiIf); });
   EXPECT_EQ(if_index, 0u);
-  EXPECT_EQ(told.back(),
+  EXPECT_EQ(reports.back(),
             "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(0) Bound If(0) Vsan(0) In Vsan(0) gvp(0) "
             "vsan_if(0)\n");
   EXPECT_EQ(platform.count("elemdb_lookup_element"), 0);
 }
 
 TEST_F(NumberToInterfaceWrapper, FastNumberAndVsanFetchNothing) {
-  const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_pn_vsan_to_if_fast(7, 10, &if_index), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(ficon_pmap_get_pn_vsan_to_if_fast(7, 10, &if_index), 0u); });
   EXPECT_EQ(if_index, physical_interface(0, 5));
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(1) Bound If(0x1000005) Vsan(10) In Vsan(1) gvp(1) "
       "vsan_if(0x1000005)\n");
   EXPECT_EQ(platform.count("elemdb_lookup_element"), 0);
@@ -850,9 +857,9 @@ TEST_F(NumberToInterfaceWrapper, VsanIsPassedWhole) {
 
 TEST_F(NumberToInterfaceWrapper, FastWithVsanMindsTheFastPathFlag) {
   fastpath_got_vsan_port = 0;
-  const auto told = told_by([&] { EXPECT_EQ(ficon_pmap_get_pn_vsan_to_if_fast(7, 10, &if_index), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(ficon_pmap_get_pn_vsan_to_if_fast(7, 10, &if_index), 0u); });
   EXPECT_EQ(
-      told.back(),
+      reports.back(),
       "trace ficon_pmap_get_pn_to_if_withpvsan(2286): Count(2) Bound(1) Bound If(0x1000005) Vsan(10) In Vsan(0) gvp(0) "
       "vsan_if(0)\n");
 }

@@ -91,34 +91,36 @@ TEST_F(NumberToPhysicalInterface, EveryCallFetchesAnew) {
 TEST_F(NumberToPhysicalInterface, RefusedVsanTableIsPassedOnWithoutAReport) {
   map.entry(5, 7, 7, {10}, 10);
   platform.refuse_allocation(1);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(1420, 2560)));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(1420, 2560)));
   EXPECT_THAT(platform.calls(), ElementsAre("elemdb_lookup_element(1, 2, 4, key 4, 32)", "memacct_alloc(206, 5, 2560)"));
 }
 
 TEST_F(NumberToPhysicalInterface, RefusedPortTableIsReportedAndPassedOn) {
   platform.refuse_allocation(2);
-  const auto told = told_by([&] { EXPECT_EQ(find_fetching(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
-  EXPECT_THAT(told, ElementsAre("error ficon_pmap_get_pn_to_phyif_withpvsan(3447):failed to get pmap_portpn 1\n",
-                                "printed " + allocation_warning(1453, 25600) +
-                                    "FICON_ERR: ficon_pmap_get_pn_to_phyif_withpvsan(3447):failed to get pmap_portpn 1\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fetching(7, &kVsan10), (found{kNoMemory, kUntouched32, 1})); });
+  EXPECT_THAT(reports,
+              ElementsAre("error ficon_pmap_get_pn_to_phyif_withpvsan(3447):failed to get pmap_portpn 1\n",
+                          "printed " + allocation_warning(1453, 25600) +
+                              "FICON_ERR: ficon_pmap_get_pn_to_phyif_withpvsan(3447):failed to get pmap_portpn 1\n"));
   EXPECT_THAT(platform.calls(), ElementsAreArray(sequence({kFirstVsanFetch, {"memacct_alloc(206, 5, 25600)"}})));
 }
 
 TEST_F(NumberToPhysicalInterface, RefusedInterfaceTableIsReportedAndPassedOn) {
   map.entry(5, 7, 7, {10}, 10);
   platform.refuse_type(3);
-  const auto told = told_by([&] { EXPECT_EQ(find_fetching(7), (found{kNoMemory, kUntouched32, 1})); });
-  EXPECT_THAT(told, ElementsAre("error ficon_pmap_get_pn_to_phyif_withpvsan(3460):failed to get pmap_pnif 1\n",
-                                "printed " + allocation_warning(1530, 1016) +
-                                    "FICON_ERR: ficon_pmap_get_pn_to_phyif_withpvsan(3460):failed to get pmap_pnif 1\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fetching(7), (found{kNoMemory, kUntouched32, 1})); });
+  EXPECT_THAT(reports,
+              ElementsAre("error ficon_pmap_get_pn_to_phyif_withpvsan(3460):failed to get pmap_pnif 1\n",
+                          "printed " + allocation_warning(1530, 1016) +
+                              "FICON_ERR: ficon_pmap_get_pn_to_phyif_withpvsan(3460):failed to get pmap_pnif 1\n"));
   EXPECT_THAT(platform.calls(), ElementsAreArray(sequence({kFirstPortFetch, {"memacct_alloc(206, 3, 1016)"}})));
 }
 
 TEST_F(NumberToPhysicalInterface, UnknownNumberOfPortsIsReportedAndPassedOn) {
   hide_ports();
-  const auto told = told_by([&] { EXPECT_EQ(find_fetching(7), (found{kPlatform, kUntouched32, 1})); });
-  EXPECT_THAT(told,
+  const auto reports = reports_of([&] { EXPECT_EQ(find_fetching(7), (found{kPlatform, kUntouched32, 1})); });
+  EXPECT_THAT(reports,
               ElementsAre("error get_platform_info failed, errno = 5",
                           "error ficon_pmap_get_pn_to_phyif_withpvsan(3460):failed to get pmap_pnif 1082458122\n",
                           "printed FICON_ERR: get_platform_info failed, errno = 5"
@@ -176,8 +178,8 @@ TEST_F(NumberToPhysicalInterface, NumberAboveSixteenBitsIsComparedWhole) {
 
 TEST_F(NumberToPhysicalInterface, BoundInterfaceAnswersWhateverTheVsan) {
   map.bind(7, 0x4000001).entry(5, 7, 7, {20}, 20).entry(1100, 7, 7, {20}, 20);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, 0x4000001, 1})); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, 0x4000001, 1})); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(platform.count("if_index_phy_fc_port_init"), 0);
 }
 
@@ -194,8 +196,8 @@ TEST_F(NumberToPhysicalInterface, GivenTableIsReadInsteadOfTheCachedOne) {
 TEST_F(NumberToPhysicalInterface, NumberWithoutAPhysicalPortGivesZeroAndSuccess) {
   for (const size_t index : {size_t{1024}, size_t{1100}, size_t{1279}}) {
     map.entry(index, 7, 7, {}, 20);
-    const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, 0, 1})) << index; });
-    EXPECT_THAT(told, IsEmpty());
+    const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, 0, 1})) << index; });
+    EXPECT_THAT(reports, IsEmpty());
     map.entry(index, 512, 512, {});
   }
   EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1}));
@@ -268,45 +270,45 @@ TEST_F(NumberToPhysicalInterface, MembersOfPortChannelsAnswerLikeAnyPort) {
 TEST_F(NumberToPhysicalInterface, LineCardWithoutASlotIsSkippedSilently) {
   platform.set_chassis(6, 5); // line cards 0 to 3
   map.entry(1016, 7, 7, {10}, 10).entry(5, 7, 7, {10}, 10);
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
+  EXPECT_THAT(reports, IsEmpty());
 }
 
 TEST_F(NumberToPhysicalInterface, UnknownChassisTypeIsReportedAndThePortSkipped) {
   platform.chassis_answer = {-1, 6};
   map.entry(5, 7, 7, {10}, 10);
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
-                                "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("error hwinv_get_chassis_type failed, errno = 6",
+                                   "printed FICON_ERR: hwinv_get_chassis_type failed, errno = 6"));
 }
 
 TEST_F(NumberToPhysicalInterface, PortIsSkippedWhenThePlatformRecordCannotBeCached) {
   map.entry(5, 7, 7, {10}, 10);
   platform.refuse_allocation(2);
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(81, 8)));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(81, 8)));
 }
 
 TEST_F(NumberToPhysicalInterface, PortWhoseInterfaceCannotBeBuiltIsSkippedSilently) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {10}, 10);
   platform.fail_port_init(0, 6, 77);
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(platform.count("portidx_port_by_if_index"), 1);
 }
 
 TEST_F(NumberToPhysicalInterface, PortWithoutAPortIndexIsTracedAndNoCandidate) {
   map.entry(5, 7, 7, {10}, 10);
   platform.interface(physical_interface(0, 5)).portidx_status = kPortidxNoPort;
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
-  EXPECT_THAT(told, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329346)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{kNoIf, 0, 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329346)\n"));
 }
 
 TEST_F(NumberToPhysicalInterface, AnyFailureOfThePortIndexSkipsThePort) {
   map.entry(5, 7, 7, {10}, 10).entry(6, 7, 7, {10}, 10);
   platform.interface(physical_interface(0, 6)).portidx_status = -3;
-  const auto told = told_by([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
-  EXPECT_THAT(told, ElementsAre("trace portidx lookup failed for IfIndex 1000006 with err (-3)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7), (found{0, physical_interface(0, 5), 1})); });
+  EXPECT_THAT(reports, ElementsAre("trace portidx lookup failed for IfIndex 1000006 with err (-3)\n"));
 }
 
 TEST_F(NumberToPhysicalInterface, PortIndexServiceIsAskedAboutTheInterfaceThatWasBuilt) {
@@ -320,8 +322,8 @@ TEST_F(NumberToPhysicalInterface, PortIndexServiceIsAskedAboutTheInterfaceThatWa
 
 TEST_F(NumberToPhysicalInterface, OneCandidateAnswersWhateverItsVsans) {
   map.entry(5, 7, 7, {20}, 20);
-  const auto told = told_by([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, physical_interface(0, 5), 1})); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(find(7, &kVsan10), (found{0, physical_interface(0, 5), 1})); });
+  EXPECT_THAT(reports, IsEmpty());
 }
 
 TEST_F(NumberToPhysicalInterface, NoCandidate) {

@@ -1,5 +1,5 @@
-/* The fixture of the translations: 254 port numbers on a 10-slot chassis, debug output switched on, and a record of what a
- * call told to whom. */
+/* The fixture of the translations: 254 port numbers on a 10-slot chassis, debug output switched on, and a record of the
+ * reports and traces of a call. */
 #ifndef TESTS_PORT_MAP_PORT_MAP_TEST_H
 #define TESTS_PORT_MAP_PORT_MAP_TEST_H
 
@@ -61,28 +61,28 @@ class PortMapTest : public LibraryTest {
     map.install();
   }
 
-  // What a call told: "error ..." and "trace ..." in order, then "printed ..." with all that it left on standard output. The
-  // event history and the debug output must have been told the same.
-  std::vector<std::string> told_by(const std::function<void()>& call) {
+  // What a call reports: "error ..." and "trace ..." in order, then "printed ..." with all that it left on standard output. The
+  // event history and the debug output must have got the same.
+  std::vector<std::string> reports_of(const std::function<void()>& call) {
     const size_t events_before = platform.history().size();
     const size_t texts_before = platform.debug_output().size();
     const std::string printed = output_of(call);
-    std::vector<std::string> told;
+    std::vector<std::string> reports;
     std::vector<std::string> in_history;
     std::vector<std::string> in_debug_output;
     for (size_t i = events_before; i < platform.history().size(); ++i) {
       const history_event& event = platform.history()[i];
       EXPECT_EQ(event.id, 0x730000u);
       EXPECT_EQ(event.length, event.text.size() + 5);
-      told.push_back((event.subtype == 102 ? "error " : event.subtype == 103 ? "trace " : "other ") + event.text);
+      reports.push_back((event.subtype == 102 ? "error " : event.subtype == 103 ? "trace " : "other ") + event.text);
       in_history.push_back(event.text);
     }
     for (size_t i = texts_before; i < platform.debug_output().size(); ++i) {
       in_debug_output.push_back(platform.debug_output()[i].text);
     }
     EXPECT_EQ(in_history, in_debug_output);
-    if (!printed.empty()) told.push_back("printed " + printed);
-    return told;
+    if (!printed.empty()) reports.push_back("printed " + printed);
+    return reports;
   }
 
   // Makes the platform unable to tell how many ports there are.

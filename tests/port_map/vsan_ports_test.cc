@@ -24,8 +24,8 @@ class LogicalInterfaces : public PortMapTest {
 
 TEST_F(LogicalInterfaces, BoundNumbersAreListedInAscendingOrder) {
   map.bind(200, 0x4000001).bind(0, 0xA000001).bind(253, 0xFFFFFFFF).bind(7, 0x4000001);
-  const auto told = told_by([&] { EXPECT_EQ(list(), 0u); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(list(), 0u); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(count, 4u);
   EXPECT_THAT(std::vector<uint16_t>(pns.begin(), pns.begin() + 5), ElementsAre(0, 7, 200, 253, kUntouched16));
   EXPECT_THAT(std::vector<uint32_t>(if_indexes.begin(), if_indexes.begin() + 5),
@@ -70,10 +70,10 @@ TEST_F(LogicalInterfaces, EveryCallFetchesAnew) {
 
 TEST_F(LogicalInterfaces, RefusedTableIsReportedAndNothingWritten) {
   platform.refuse_type(3);
-  const auto told = told_by([&] { EXPECT_EQ(list(), kNoMemory); });
-  EXPECT_THAT(told, ElementsAre("error ficon_pmap_get_pn_logif(3607):failed to get pmap_pnif 1\n",
-                                "printed " + allocation_warning(1530, 1016) +
-                                    "FICON_ERR: ficon_pmap_get_pn_logif(3607):failed to get pmap_pnif 1\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(), kNoMemory); });
+  EXPECT_THAT(reports, ElementsAre("error ficon_pmap_get_pn_logif(3607):failed to get pmap_pnif 1\n",
+                                   "printed " + allocation_warning(1530, 1016) +
+                                       "FICON_ERR: ficon_pmap_get_pn_logif(3607):failed to get pmap_pnif 1\n"));
   EXPECT_EQ(count, kUntouched32);
   EXPECT_THAT(pns, Each(kUntouched16));
   EXPECT_THAT(if_indexes, Each(kUntouched32));
@@ -81,11 +81,11 @@ TEST_F(LogicalInterfaces, RefusedTableIsReportedAndNothingWritten) {
 
 TEST_F(LogicalInterfaces, UnknownNumberOfPortsIsReportedAndNothingWritten) {
   hide_ports();
-  const auto told = told_by([&] { EXPECT_EQ(list(), kPlatform); });
-  EXPECT_THAT(told, ElementsAre("error get_platform_info failed, errno = 5",
-                                "error ficon_pmap_get_pn_logif(3607):failed to get pmap_pnif 1082458122\n",
-                                "printed FICON_ERR: get_platform_info failed, errno = 5"
-                                "FICON_ERR: ficon_pmap_get_pn_logif(3607):failed to get pmap_pnif 1082458122\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(), kPlatform); });
+  EXPECT_THAT(reports, ElementsAre("error get_platform_info failed, errno = 5",
+                                   "error ficon_pmap_get_pn_logif(3607):failed to get pmap_pnif 1082458122\n",
+                                   "printed FICON_ERR: get_platform_info failed, errno = 5"
+                                   "FICON_ERR: ficon_pmap_get_pn_logif(3607):failed to get pmap_pnif 1082458122\n"));
   EXPECT_EQ(count, kUntouched32);
 }
 
@@ -173,8 +173,8 @@ class VsanPorts : public PortMapTest {
 TEST_F(VsanPorts, PortsAreListedInIndexOrderAsFourArrays) {
   three_ports();
   map.entry(6, 8, 10, {10}, 20); // bound to the VSAN, but not in it
-  const auto told = told_by([&] { EXPECT_EQ(list(10), 0u); });
-  EXPECT_THAT(told, IsEmpty());
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), 0u); });
+  EXPECT_THAT(reports, IsEmpty());
   EXPECT_EQ(count, 3u);
   EXPECT_THAT(listed(pns), ElementsAre(7, 70, 71));
   EXPECT_THAT(listed(pas), ElementsAre(9, 90, 91));
@@ -326,18 +326,18 @@ TEST_F(VsanPorts, PortsWithoutAnInterfaceAreLeftOut) {
   platform.fail_port_init(1, 46, 77);                          // index 300
   platform.interface(0x100012F).lag_status = 0x40470005;       // index 301
   platform.interface(0x1000607).lag_status = kLagmapNotMember; // index 1023
-  const auto told = told_by([&] { EXPECT_EQ(list(10), 0u); });
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), 0u); });
   EXPECT_EQ(count, 1u);
   EXPECT_THAT(listed(pns), ElementsAre(71));
   EXPECT_THAT(listed(pas), ElementsAre(91));
   EXPECT_THAT(listed(if_indexes), ElementsAre(0x1000607u));
   EXPECT_THAT(listed(bound), ElementsAre(0u));
-  EXPECT_THAT(told, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329346)\n",
-                                "trace Index :254 is a portthats part of port-channel\n",
-                                "error Failed to compute ifindex for index 300(0x4d)\n",
-                                "error lagmap_get_port failed: if_index:0x100012f\n",
-                                "printed FICON_ERR: Failed to compute ifindex for index 300(0x4d)\n"
-                                "FICON_ERR: lagmap_get_port failed: if_index:0x100012f\n"));
+  EXPECT_THAT(reports, ElementsAre("trace portidx lookup failed for IfIndex 1000005 with err (1078329346)\n",
+                                   "trace Index :254 is a portthats part of port-channel\n",
+                                   "error Failed to compute ifindex for index 300(0x4d)\n",
+                                   "error lagmap_get_port failed: if_index:0x100012f\n",
+                                   "printed FICON_ERR: Failed to compute ifindex for index 300(0x4d)\n"
+                                   "FICON_ERR: lagmap_get_port failed: if_index:0x100012f\n"));
   EXPECT_EQ(platform.count("memacct_alloc(206, 1, 20)"), 1); // room for all five
 }
 
@@ -353,10 +353,10 @@ TEST_F(VsanPorts, PortsOnALineCardWithoutASlotAreLeftOut) {
 TEST_F(VsanPorts, RefusedVsanTableIsReportedAndNothingWritten) {
   three_ports();
   platform.refuse_allocation(1);
-  const auto told = told_by([&] { EXPECT_EQ(list(10), kNoMemory); });
-  EXPECT_THAT(told, ElementsAre("error ficon_pmap_get_info_in_vsan(3637):failed to get pmap_portvsan (0x1)\n",
-                                "printed " + allocation_warning(1420, 2560) +
-                                    "FICON_ERR: ficon_pmap_get_info_in_vsan(3637):failed to get pmap_portvsan (0x1)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), kNoMemory); });
+  EXPECT_THAT(reports, ElementsAre("error ficon_pmap_get_info_in_vsan(3637):failed to get pmap_portvsan (0x1)\n",
+                                   "printed " + allocation_warning(1420, 2560) +
+                                       "FICON_ERR: ficon_pmap_get_info_in_vsan(3637):failed to get pmap_portvsan (0x1)\n"));
   EXPECT_TRUE(nothing_written());
   EXPECT_THAT(platform.calls(), ElementsAre("elemdb_lookup_element(1, 2, 4, key 4, 32)", "memacct_alloc(206, 5, 2560)"));
 }
@@ -364,18 +364,18 @@ TEST_F(VsanPorts, RefusedVsanTableIsReportedAndNothingWritten) {
 TEST_F(VsanPorts, RefusedPortTableIsReportedAndNothingWritten) {
   three_ports();
   platform.refuse_allocation(2);
-  const auto told = told_by([&] { EXPECT_EQ(list(10), kNoMemory); });
-  EXPECT_THAT(told, ElementsAre("error ficon_pmap_get_info_in_vsan(3644):failed to get pmap_portpn (0x1)\n",
-                                "printed " + allocation_warning(1453, 25600) +
-                                    "FICON_ERR: ficon_pmap_get_info_in_vsan(3644):failed to get pmap_portpn (0x1)\n"));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), kNoMemory); });
+  EXPECT_THAT(reports, ElementsAre("error ficon_pmap_get_info_in_vsan(3644):failed to get pmap_portpn (0x1)\n",
+                                   "printed " + allocation_warning(1453, 25600) +
+                                       "FICON_ERR: ficon_pmap_get_info_in_vsan(3644):failed to get pmap_portpn (0x1)\n"));
   EXPECT_TRUE(nothing_written());
 }
 
 TEST_F(VsanPorts, RefusedNumbersLeaveTheOtherArraysFilled) {
   three_ports();
   platform.refuse_allocation(3);
-  const auto told = told_by([&] { EXPECT_EQ(list(10), 0u); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(3665, 6)));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), 0u); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(3665, 6)));
   EXPECT_EQ(pns, nullptr);
   EXPECT_EQ(count, 3u);
   EXPECT_THAT(listed(pas), ElementsAre(9, 90, 91));
@@ -386,8 +386,8 @@ TEST_F(VsanPorts, RefusedNumbersLeaveTheOtherArraysFilled) {
 TEST_F(VsanPorts, RefusedAddressesLeaveTheOtherArraysFilled) {
   three_ports();
   platform.refuse_allocation(4);
-  const auto told = told_by([&] { EXPECT_EQ(list(10), 0u); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(3669, 6)));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), 0u); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(3669, 6)));
   EXPECT_EQ(pas, nullptr);
   EXPECT_EQ(count, 3u);
   EXPECT_THAT(listed(pns), ElementsAre(7, 70, 71));
@@ -398,8 +398,8 @@ TEST_F(VsanPorts, RefusedAddressesLeaveTheOtherArraysFilled) {
 TEST_F(VsanPorts, RefusedInterfacesLeaveTheOtherArraysFilled) {
   three_ports();
   platform.refuse_allocation(5);
-  const auto told = told_by([&] { EXPECT_EQ(list(10), 0u); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(3673, 12)));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), 0u); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(3673, 12)));
   EXPECT_EQ(if_indexes, nullptr);
   EXPECT_EQ(count, 3u);
   EXPECT_THAT(listed(pns), ElementsAre(7, 70, 71));
@@ -410,8 +410,8 @@ TEST_F(VsanPorts, RefusedInterfacesLeaveTheOtherArraysFilled) {
 TEST_F(VsanPorts, RefusedBoundFlagsLeaveTheOtherArraysFilled) {
   three_ports();
   platform.refuse_allocation(6);
-  const auto told = told_by([&] { EXPECT_EQ(list(10), 0u); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(3677, 12)));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), 0u); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(3677, 12)));
   EXPECT_EQ(bound, nullptr);
   EXPECT_EQ(count, 3u);
   EXPECT_THAT(listed(pns), ElementsAre(7, 70, 71));
@@ -422,9 +422,9 @@ TEST_F(VsanPorts, RefusedBoundFlagsLeaveTheOtherArraysFilled) {
 TEST_F(VsanPorts, AllFourRefusedStillCountsThePorts) {
   three_ports();
   for (const int nth : {3, 4, 5, 6}) platform.refuse_allocation(nth);
-  const auto told = told_by([&] { EXPECT_EQ(list(10), 0u); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(3665, 6) + allocation_warning(3669, 6) +
-                                allocation_warning(3673, 12) + allocation_warning(3677, 12)));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), 0u); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(3665, 6) + allocation_warning(3669, 6) +
+                                   allocation_warning(3673, 12) + allocation_warning(3677, 12)));
   EXPECT_EQ(pns, nullptr);
   EXPECT_EQ(pas, nullptr);
   EXPECT_EQ(if_indexes, nullptr);
@@ -434,17 +434,17 @@ TEST_F(VsanPorts, AllFourRefusedStillCountsThePorts) {
 
 TEST_F(VsanPorts, RefusedEmptyArraysWarnOfSizeZero) {
   for (const int nth : {3, 4, 5, 6}) platform.refuse_allocation(nth);
-  const auto told = told_by([&] { EXPECT_EQ(list(30), 0u); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(3665, 0) + allocation_warning(3669, 0) +
-                                allocation_warning(3673, 0) + allocation_warning(3677, 0)));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(30), 0u); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(3665, 0) + allocation_warning(3669, 0) +
+                                   allocation_warning(3673, 0) + allocation_warning(3677, 0)));
   EXPECT_EQ(count, 0u);
 }
 
 TEST_F(VsanPorts, RefusedPlatformRecordLeavesThePortOut) {
   map.entry(5, 7, 9, {20}, 10).entry(6, 8, 10, {20}, 10);
   platform.refuse_allocation(7);
-  const auto told = told_by([&] { EXPECT_EQ(list(10), 0u); });
-  EXPECT_THAT(told, ElementsAre("printed " + allocation_warning(81, 8)));
+  const auto reports = reports_of([&] { EXPECT_EQ(list(10), 0u); });
+  EXPECT_THAT(reports, ElementsAre("printed " + allocation_warning(81, 8)));
   EXPECT_THAT(listed(pns), ElementsAre(8)); // the next port's conversion asks again
 }
 
