@@ -62,51 +62,22 @@ TEST(PortMapModel, FewCallsOfTheSeedsAreUndefined) {
   EXPECT_LE(seeds().what.undefined, seeds().what.calls / 10);
 }
 
-TEST(PortMapModel, SeedsReachEveryStatusOfEveryOperationAndNoOther) {
-  constexpr uint32_t kOk = 0;
-  constexpr uint32_t kNoMemory = 1;
-  constexpr uint32_t kNotFcPort = 11;
-  const std::set<uint32_t> fetch = {kOk, kNoMemory};
-  const std::set<uint32_t> sized_fetch = {kOk, kNoMemory, FICON_RC_PLATFORM};
-  const std::set<uint32_t> pa_to_pn = {
-      kOk, kNoMemory, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM, FICON_RC_PA_RANGE, FICON_RC_MULTI_IF};
-  const std::set<uint32_t> pn_to_pa = {
-      kOk, kNoMemory, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM, FICON_RC_PN_RANGE, FICON_RC_MULTI_IF};
-  const std::set<uint32_t> pa_to_pn_fast = {kOk, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM, FICON_RC_PA_RANGE,
-                                            FICON_RC_MULTI_IF};
-  const std::set<uint32_t> pn_to_pa_fast = {kOk, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM, FICON_RC_PN_RANGE,
-                                            FICON_RC_MULTI_IF};
-  const std::set<uint32_t> slot = {kOk, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM};
-  const std::set<uint32_t> pn_to_if = {
-      kOk, kNoMemory, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM, FICON_RC_PN_RANGE, FICON_RC_NO_IF, FICON_RC_MULTI_IF};
-  const std::set<uint32_t> pn_to_if_fast = {kOk, FICON_RC_INVALID_ARG, FICON_RC_PN_RANGE, FICON_RC_NO_IF,
-                                            FICON_RC_MULTI_IF};
-  const std::set<uint32_t> pa_to_if = {kOk,
-                                       kNoMemory,
-                                       FICON_RC_INVALID_ARG,
-                                       FICON_RC_PLATFORM,
-                                       FICON_RC_PA_RANGE,
-                                       FICON_RC_PN_RANGE,
-                                       FICON_RC_NO_IF,
-                                       FICON_RC_MULTI_IF};
-  const std::set<uint32_t> pa_to_if_fast = {kOk,
-                                            FICON_RC_INVALID_ARG,
-                                            FICON_RC_PLATFORM,
-                                            FICON_RC_PA_RANGE,
-                                            FICON_RC_PN_RANGE,
-                                            FICON_RC_NO_IF,
-                                            FICON_RC_MULTI_IF};
-  const std::set<uint32_t> index_to_if = {kOk, kNoMemory, kOfService, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM};
-  const std::set<uint32_t> if_to_number = {kOk,
-                                           kNoMemory,
-                                           kNotFcPort,
-                                           kOfService,
-                                           FICON_RC_INVALID_ARG,
-                                           FICON_RC_PLATFORM,
-                                           FICON_RC_NOT_ASSOCIATED,
-                                           FICON_RC_LAG_MEMBER};
+// ---- every status of every operation, and no other ----
 
-  const std::map<std::string, std::set<uint32_t>> expected = {
+using statuses = std::set<uint32_t>;
+
+constexpr uint32_t kOk = 0;
+constexpr uint32_t kNoMemory = 1;
+constexpr uint32_t kNotFcPort = 11;
+
+void expect_statuses(const std::map<std::string, statuses>& expected) {
+  for (const auto& [operation, those] : expected) EXPECT_EQ(statuses_of(operation), those) << operation;
+}
+
+TEST(PortMapModel, SeedsReachEveryStatusOfTheTables) {
+  const statuses fetch = {kOk, kNoMemory};
+  const statuses sized_fetch = {kOk, kNoMemory, FICON_RC_PLATFORM};
+  expect_statuses({
       {"ficon_get_platform_info", {kOk, kNoMemory, kOfService}},
       {"ficon_get_pmap_portvsan", fetch},
       {"ficon_get_pmap_portpn", fetch},
@@ -114,6 +85,19 @@ TEST(PortMapModel, SeedsReachEveryStatusOfEveryOperationAndNoOther) {
       {"ficon_get_pmap_pnif", sized_fetch},
       {"ficon_cmi_get_pmap_change_counter", {kOk}},
       {"ficon_pmap_prepare_fastpath", sized_fetch},
+      {"ficon_pmap_get_pn_logif", sized_fetch},
+      {"ficon_pmap_get_info_in_vsan", fetch},
+  });
+}
+
+TEST(PortMapModel, SeedsReachEveryStatusOfAddressAndNumber) {
+  const statuses pa_to_pn_fast = {kOk, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM, FICON_RC_PA_RANGE, FICON_RC_MULTI_IF};
+  const statuses pn_to_pa_fast = {kOk, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM, FICON_RC_PN_RANGE, FICON_RC_MULTI_IF};
+  statuses pa_to_pn = pa_to_pn_fast;
+  pa_to_pn.insert(kNoMemory);
+  statuses pn_to_pa = pn_to_pa_fast;
+  pn_to_pa.insert(kNoMemory);
+  expect_statuses({
       {"ficon_pmap_get_pa_to_pn_withpvsan", pa_to_pn},
       {"ficon_pmap_get_pa_to_pn", pa_to_pn},
       {"ficon_pmap_get_pa_vsan_to_pn", pa_to_pn},
@@ -124,12 +108,27 @@ TEST(PortMapModel, SeedsReachEveryStatusOfEveryOperationAndNoOther) {
       {"ficon_pmap_get_pn_vsan_to_pa", pn_to_pa},
       {"ficon_pmap_get_pn_to_pa_fast", pn_to_pa_fast},
       {"ficon_pmap_get_pn_vsan_to_pa_fast", pn_to_pa_fast},
+  });
+}
+
+TEST(PortMapModel, SeedsReachEveryStatusOfNumbering) {
+  const statuses slot = {kOk, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM};
+  expect_statuses({
       {"ficon_get_default_pn", {kOk, FICON_RC_BASE, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM}},
       {"ficonm_platform_slot_to_lc_b0", slot},
       {"ficonm_platform_lc_to_slot_b0", slot},
       {"ficonm_platform_slot_to_pnpa_index_withpmap", slot},
       {"ficonm_platform_slot_to_pnpa_index", slot},
       {"ficonm_platform_slot_to_pnpa", slot},
+  });
+}
+
+TEST(PortMapModel, SeedsReachEveryStatusOfNumberToInterface) {
+  const statuses pn_to_if_fast = {kOk, FICON_RC_INVALID_ARG, FICON_RC_PN_RANGE, FICON_RC_NO_IF, FICON_RC_MULTI_IF};
+  statuses pn_to_if = pn_to_if_fast;
+  pn_to_if.insert({kNoMemory, FICON_RC_PLATFORM});
+  const statuses index_to_if = {kOk, kNoMemory, kOfService, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM};
+  expect_statuses({
       {"ficon_pmap_get_pn_to_if_withpvsan", pn_to_if},
       {"ficon_pmap_get_pn_vsan_to_if_fast", pn_to_if_fast},
       {"ficon_pmap_get_pn_to_if_fast", pn_to_if_fast},
@@ -139,6 +138,42 @@ TEST(PortMapModel, SeedsReachEveryStatusOfEveryOperationAndNoOther) {
       {"ficon_pmap_get_index_to_if", index_to_if},
       {"ficon_pmap_get_index_to_phyif",
        {kOk, kOfService, FICON_RC_INVALID_ARG, FICON_RC_PLATFORM, FICON_RC_NO_IF, FICON_RC_LAG_MEMBER}},
+      {"ficon_pmap_get_pn_to_phyif_withpvsan", pn_to_if},
+      {"ficon_pmap_get_pn_to_phyif", pn_to_if},
+      {"ficon_pmap_get_pn_vsan_to_phyif", pn_to_if},
+  });
+}
+
+TEST(PortMapModel, SeedsReachEveryStatusOfAddressToInterface) {
+  const statuses pa_to_if_fast = {kOk,
+                                  FICON_RC_INVALID_ARG,
+                                  FICON_RC_PLATFORM,
+                                  FICON_RC_PA_RANGE,
+                                  FICON_RC_PN_RANGE,
+                                  FICON_RC_NO_IF,
+                                  FICON_RC_MULTI_IF};
+  statuses pa_to_if = pa_to_if_fast;
+  pa_to_if.insert(kNoMemory);
+  expect_statuses({
+      {"ficon_pmap_get_pa_to_if", pa_to_if},
+      {"ficon_pmap_get_pa_vsan_to_if", pa_to_if},
+      {"ficon_pmap_get_pa_to_if_fast", pa_to_if_fast},
+      {"ficon_pmap_get_pa_vsan_to_if_fast", pa_to_if_fast},
+      {"ficon_pmap_get_pa_to_phyif", pa_to_if},
+      {"ficon_pmap_get_pa_vsan_to_phyif", pa_to_if},
+  });
+}
+
+TEST(PortMapModel, SeedsReachEveryStatusOfInterfaceToNumber) {
+  const statuses if_to_number = {kOk,
+                                 kNoMemory,
+                                 kNotFcPort,
+                                 kOfService,
+                                 FICON_RC_INVALID_ARG,
+                                 FICON_RC_PLATFORM,
+                                 FICON_RC_NOT_ASSOCIATED,
+                                 FICON_RC_LAG_MEMBER};
+  expect_statuses({
       {"ficon_pmap_get_if_to_pnpa_index_with2pmaps", if_to_number},
       {"ficon_pmap_get_if_to_pnpa_index_withpmap", if_to_number},
       {"ficon_pmap_get_if_to_pnpa_withpmap", if_to_number},
@@ -149,21 +184,11 @@ TEST(PortMapModel, SeedsReachEveryStatusOfEveryOperationAndNoOther) {
       {"ficon_pmap_get_if_to_index_with2pmaps", if_to_number},
       {"ficon_pmap_get_next_if", if_to_number},
       {"ficon_pmap_get_last_if", if_to_number},
-      {"ficon_pmap_get_pa_to_if", pa_to_if},
-      {"ficon_pmap_get_pa_vsan_to_if", pa_to_if},
-      {"ficon_pmap_get_pa_to_if_fast", pa_to_if_fast},
-      {"ficon_pmap_get_pa_vsan_to_if_fast", pa_to_if_fast},
-      {"ficon_pmap_get_pn_to_phyif_withpvsan", pn_to_if},
-      {"ficon_pmap_get_pn_to_phyif", pn_to_if},
-      {"ficon_pmap_get_pn_vsan_to_phyif", pn_to_if},
-      {"ficon_pmap_get_pa_to_phyif", pa_to_if},
-      {"ficon_pmap_get_pa_vsan_to_phyif", pa_to_if},
-      {"ficon_pmap_get_pn_logif", sized_fetch},
-      {"ficon_pmap_get_info_in_vsan", fetch},
       {"ficon_if_to_slot_port_logic", {kOk, kNotFcPort, kOfService}},
-  };
-  for (const auto& [operation, statuses] : expected) EXPECT_EQ(statuses_of(operation), statuses) << operation;
+  });
 }
+
+// ---- what else the seeds reach ----
 
 TEST(PortMapModel, SeedsReachEveryNumberThatAnOperationAnswers) {
   constexpr uint32_t kMinus1 = 0xFFFFFFFF;
@@ -191,13 +216,13 @@ TEST(PortMapModel, SeedsReachEveryDecisionOfTheSearches) {
       ElementsAre("PA: none bound", "PA: none counts", "PA: none in the VSAN", "PA: one bound", "PA: one counts",
                   "PA: one in the VSAN", "PA: several bound", "PA: several in the VSAN, none bound",
                   "PA: several in the VSAN, one bound", "PA: several in the VSAN, several bound",
-                  "PA: several, no VSAN given", "PN to interface: bound to one", "PN to interface: no candidate",
-                  "PN to interface: none bound", "PN to interface: none in the VSAN", "PN to interface: one bound",
-                  "PN to interface: one candidate", "PN to interface: one in the VSAN", "PN to interface: several bound",
+                  "PA: several, no VSAN given", "PN to interface: bound to one", "PN to interface: none bound",
+                  "PN to interface: none counts", "PN to interface: none in the VSAN", "PN to interface: one bound",
+                  "PN to interface: one counts", "PN to interface: one in the VSAN", "PN to interface: several bound",
                   "PN to interface: several in the VSAN, none bound", "PN to interface: several in the VSAN, one bound",
                   "PN to interface: several in the VSAN, several bound", "PN to interface: several, no VSAN given",
-                  "PN to port: bound to an interface", "PN to port: no candidate", "PN to port: none in the VSAN",
-                  "PN to port: one candidate", "PN to port: one in the VSAN", "PN to port: several in the VSAN, none bound",
+                  "PN to port: bound to an interface", "PN to port: none counts", "PN to port: none in the VSAN",
+                  "PN to port: one counts", "PN to port: one in the VSAN", "PN to port: several in the VSAN, none bound",
                   "PN to port: several in the VSAN, one bound", "PN to port: several in the VSAN, several bound",
                   "PN to port: several, no VSAN given", "PN to port: without a port", "PN: none bound", "PN: none counts",
                   "PN: none in the VSAN", "PN: one bound", "PN: one counts", "PN: one in the VSAN", "PN: several bound",

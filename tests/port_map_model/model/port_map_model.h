@@ -1,5 +1,6 @@
 /* The library's port map a second time, for reading: every operation step by step as its contract tells it, without a
- * thought for speed and without sharing what happens to be alike. Operations have the names and arguments of libchnsw.h. */
+ * thought for speed; what operations share is what the contract tells once for them. Operations have the names and arguments
+ * of libchnsw.h. */
 #ifndef TESTS_PORT_MAP_MODEL_PORT_MAP_MODEL_H
 #define TESTS_PORT_MAP_MODEL_PORT_MAP_MODEL_H
 
@@ -14,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "search.h"
 #include "switch_services.h"
 
 namespace chnsw_test {
@@ -22,6 +24,16 @@ namespace chnsw_test {
 struct undefined_call : std::exception {
   const char* what() const noexcept override { return "nobody promises what this call does"; }
 };
+
+inline constexpr uint32_t kLagmapNotMember = 0x40470006;
+inline constexpr uint32_t kPortidxNoPort = 0x40460002;
+
+inline int32_t as_signed(uint32_t status) {
+  return static_cast<int32_t>(status);
+}
+inline uint32_t as_unsigned(int32_t status) {
+  return static_cast<uint32_t>(status);
+}
 
 // Elements of the tables that a caller passes.
 inline constexpr size_t kPassedNumbers = 512;
@@ -129,19 +141,16 @@ class port_map_model {
   // A table to read from, the caller's or a cached one.
   template <class Value>
   struct table {
-    const Value* values;
+    const Value* values; // NULL when the caller passed none
     size_t size;
-    const Value& at(int64_t place) const {
-      if (place < 0 || static_cast<size_t>(place) >= size) throw undefined_call();
-      return values[place];
-    }
+    const Value& at(int64_t place) const;
+  };
+  struct two_tables {
+    table<uint32_t> pn_to_if;
+    table<ficon_pmap_port_entry> port_to_pn;
   };
   template <class Value>
-  static table<Value> cached(const std::optional<std::vector<Value>>& values) {
-    if (!values) throw undefined_call();
-    return {values->data(), values->size()};
-  }
-  // NULL when nothing is cached.
+  static table<Value> cached(const std::optional<std::vector<Value>>& values);
   table<uint32_t> cached_or_null() const;
 
   // The arguments of a report are evaluated once for each place that it goes to, hence a function that makes the text.
@@ -158,20 +167,63 @@ class port_map_model {
   template <class Value>
   Value* allocate_for_caller(size_t count, uint32_t type, int line);
 
-  uint32_t pnif_lookup(uint32_t pn, uint32_t* if_index, table<uint32_t> pn_to_if);
-  uint32_t index_to_if(int32_t index, uint32_t pn, uint32_t* if_index, table<uint32_t> pn_to_if);
-  uint32_t pn_to_phyif(int32_t pn, const uint32_t* vsan, int32_t pn_bound, uint32_t* if_index, table<uint32_t> pn_to_if,
-                       uint32_t* flag);
-  int32_t logical_search(uint32_t if_index, ficon_pmap_port_entry* entry, uint32_t* index, table<uint32_t> pn_to_if,
-                         table<ficon_pmap_port_entry> port_to_pn, uint32_t status_to_return);
+  // Searches (search.h).
+  uint32_t fetch_vsans(asked_vsan& vsan);
+  port_met meet_port(asked_vsan& vsan, int index, const ficon_pmap_port_entry& entry, uint32_t answer, bool counts) const;
+
+  uint32_t prepare_ports(asked_vsan& vsan, int32_t fast);
+  std::vector<port_met> ports_of_address(int32_t pa, asked_vsan& vsan);
+  std::vector<port_met> ports_of_number(int32_t pn, asked_vsan& vsan) const;
+  uint32_t hand_back_number(const std::string& search, const std::vector<port_met>& ports, const asked_vsan& vsan,
+                            uint32_t asked_for, uint16_t* number, uint32_t* flag);
+
+  int32_t ask_chassis(int& num_slots, int32_t& chassis_type);
+  int32_t ask_cached_chassis(int& num_slots, int32_t& chassis_type);
   int32_t slot_to_pnpa(uint8_t slot, uint32_t port, ficon_pmap_port_entry* entry, uint32_t* index,
                        const std::function<table<ficon_pmap_port_entry>()>& port_to_pn);
+
+  uint32_t bound_interface(uint32_t pn, uint32_t* if_index, table<uint32_t> pn_to_if);
+  uint32_t index_to_if(int32_t index, uint32_t pn, uint32_t* if_index, table<uint32_t> pn_to_if);
+  int32_t find_port(uint32_t if_index);
+  uint32_t check_port_channel(int32_t index, uint32_t* if_index);
+  uint32_t prepare_numbers_and_ports(asked_vsan& vsan, int32_t fast);
+  bool answers_for_itself(int32_t pn, uint32_t if_index);
+  std::vector<port_met> interfaces_of_number(int32_t pn, asked_vsan& vsan, table<uint32_t> pn_to_if);
+  uint32_t hand_back_interface(const std::string& search, const std::vector<port_met>& ports, const asked_vsan& vsan,
+                               uint32_t* if_index, uint32_t* flag);
+  uint32_t fetch_for_ports(int32_t pn, int32_t pn_bound, table<uint32_t>& pn_to_if);
+  bool is_without_port(int32_t pn) const;
+  std::vector<port_met> physical_ports_of_number(int32_t pn, asked_vsan& vsan, table<uint32_t> pn_to_if);
+  uint32_t pn_to_phyif(int32_t pn, const uint32_t* vsan, int32_t pn_bound, uint32_t* if_index, table<uint32_t> pn_to_if,
+                       uint32_t* flag);
+
+  int32_t number_of_logical(uint32_t if_index, ficon_pmap_port_entry* entry, uint32_t* index, const two_tables& tables,
+                            uint32_t status_to_return);
+  int32_t fetch_missing(two_tables& tables);
+  int32_t type_of(uint32_t if_index, uint8_t& type);
+  int32_t slot_and_port_of(uint32_t if_index, uint8_t& slot, uint8_t& port);
+  int32_t number_of_port(uint8_t slot, uint8_t port, ficon_pmap_port_entry* entry, uint32_t* index,
+                         const two_tables& tables);
+  int32_t number_of_port_or_channel(uint32_t if_index, uint8_t slot, uint8_t port, ficon_pmap_port_entry* entry,
+                                    uint32_t* index, const two_tables& tables);
   int32_t place_of(uint32_t if_index, uint32_t* index);
   bool is_numbered(uint32_t index);
   int32_t interface_at(uint32_t line_card, uint32_t position, uint32_t* if_index);
 
   switch_services& services_;
 };
+
+template <class Value>
+const Value& port_map_model::table<Value>::at(int64_t place) const {
+  if (place < 0 || static_cast<size_t>(place) >= size) throw undefined_call();
+  return values[place];
+}
+
+template <class Value>
+port_map_model::table<Value> port_map_model::cached(const std::optional<std::vector<Value>>& values) {
+  if (!values) throw undefined_call();
+  return {values->data(), values->size()};
+}
 
 } // namespace chnsw_test
 
