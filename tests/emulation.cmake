@@ -3,7 +3,7 @@
 
 add_compile_options(-g0) # nobody debugs here
 
-# Programs that tests start by themselves are started by scripts of the same names, since the system cannot.
+# Programs of another processor that a test starts: the system cannot, so a script of the same name runs them in the emulator.
 set(command_folder ${PROJECT_BINARY_DIR}/tests/commands)
 
 # emulate_command(<variable> <program>): the path of such a script.

@@ -1,4 +1,4 @@
-// manager: who may serve a folder, and how it ends; ask: every question, and what is told when nobody answers.
+// manager: who may serve a folder, and how it ends; ask: every question, and the messages when there is no answer.
 #include <signal.h>
 
 #include "managed_switch_test.h"

@@ -1,7 +1,7 @@
 // Many clients at once: every answer is looked at, and must be the one to its request. A manager that is killed under them,
 // and one that is sent random bytes meanwhile.
 //
-// CHNSW_CROWD_SECONDS makes the clients of each test, and whoever disturbs them, go on for that long:
+// CHNSW_CROWD_SECONDS makes the clients of each test, and the processes that disturb them, go on for that long:
 //
 //     CHNSW_CROWD_SECONDS=60 manager_crowd_tests --gtest_filter='*RandomBytes*'
 #include <fcntl.h>
@@ -83,7 +83,7 @@ class stint {
   clock_type::time_point until_ = clock_type::now() + asked_duration();
 };
 
-// What a client is to be told. Throws what is wrong.
+// Throws what is wrong with an answer.
 void require(bool right, const char* what) {
   if (!right) throw std::runtime_error(what);
 }

@@ -93,7 +93,7 @@ record payload_record(msgq_message* message) {
 // Whether something comes true within a minute.
 bool comes_true(const std::function<bool()>& condition);
 
-// A child process that does this and is then over; its failures are told by its exit code.
+// A child process that does this and exits; its exit code tells whether a check failed.
 pid_t in_child(const std::function<void()>& act);
 bool ended_well(pid_t child);
 

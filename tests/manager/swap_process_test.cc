@@ -70,23 +70,23 @@ class swap_client {
     return payload_record<swap_result>(message.get());
   }
 
-  // Answers with status at the nth step (from 1), which 0 agrees with; 0 at all others. Tells the steps, as "do-swap fc1/1
+  // Answers with status at the nth step (from 1), which 0 agrees with; 0 at all others. Returns the steps, as "do-swap fc1/1
   // fc1/2", and stores the result.
   std::vector<std::string> take_part(size_t nth, uint32_t status, swap_result& result_of_order) const {
-    std::vector<std::string> told;
+    std::vector<std::string> steps;
     for (;;) {
       auto message = receive(end_.get());
       if (msgq_is_reply(message.get()) == 1) {
         result_of_order = payload_record<swap_result>(message.get());
-        return told;
+        return steps;
       }
       step asked;
       asked.opcode = msgq_opcode_get(message.get());
       asked.message = std::move(message);
       parse(asked);
-      told.push_back(name_of(asked.opcode) + " " + interface_name(asked.if_index_a) + " " +
-                     interface_name(asked.if_index_b));
-      respond(asked, told.size() == nth ? status : 0);
+      steps.push_back(name_of(asked.opcode) + " " + interface_name(asked.if_index_a) + " " +
+                      interface_name(asked.if_index_b));
+      respond(asked, steps.size() == nth ? status : 0);
     }
   }
 

@@ -47,7 +47,7 @@ def parse(path, arguments):
         elif word.startswith(("-I", "-D", "-std=")):
             kept.append(word)
     tree = cindex.Index.create().parse(path, kept, options=cindex.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD)
-    errors = [str(told) for told in tree.diagnostics if told.severity >= cindex.Diagnostic.Error]
+    errors = [str(each) for each in tree.diagnostics if each.severity >= cindex.Diagnostic.Error]
     if errors:
         raise RuntimeError(f"{path} cannot be parsed: " + "; ".join(errors))
     return tree

@@ -325,12 +325,12 @@ def chosen_mutants(library, chosen, last_survivors):
 
 def run_all(runner, wanted, log):
     outcomes = {}
-    with concurrent.futures.ThreadPoolExecutor(len(runner.all_jobs)) as pool, open(log, "w") as told:
+    with concurrent.futures.ThreadPoolExecutor(len(runner.all_jobs)) as pool, open(log, "w") as log_file:
         running = {pool.submit(runner.outcome, mutant): mutant for mutant in wanted}
         for done, future in enumerate(concurrent.futures.as_completed(running), 1):
             name = running[future].name
             outcomes[name] = future.result()
-            print(f"{outcomes[name]}\t{name}", file=told, flush=True)
+            print(f"{outcomes[name]}\t{name}", file=log_file, flush=True)
             if sys.stderr.isatty():
                 survivors = sum(outcome == SURVIVED for outcome in outcomes.values())
                 print(f"\r{done} of {len(wanted)}, {survivors} survived\x1b[K", end="", file=sys.stderr, flush=True)

@@ -67,7 +67,7 @@ class LibraryTest : public ::testing::Test {
   LibraryTest();
   ~LibraryTest() override;
 
-  // MAX_FICON_PORTS, as a client's question for the number of ports makes it known.
+  // Sets MAX_FICON_PORTS, as ficon_get_max_ficon_ports does.
   static void know_ports(int32_t ports = 254) { MAX_FICON_PORTS = ports; }
   // Puts the map into the cached tables, as ficon_pmap_prepare_fastpath does, without the library's help.
   void cache_map(int32_t got_vsan_port = 1);

@@ -183,7 +183,7 @@ class programmable_platform {
 
   int convert_result = 1;            // of the converter
   std::set<int> failing_conversions; // by the number of the call, from 1: the converter writes and answers 0
-  // What the converter makes of a text, which may be longer or shorter. Unless told otherwise, every byte becomes the next.
+  // What the converter makes of a text, which may be longer or shorter. Left alone, it makes the next byte of every byte.
   std::function<std::string(const std::string& text)> on_convert;
 
   std::set<uint32_t> filtered_subtypes; // evtrc_hist_event_subtype_check answers with filter_answer
@@ -191,8 +191,8 @@ class programmable_platform {
   std::set<int> debug_flags; // evtrc_chk_int answers with flag_answer
   int flag_answer = 1;
 
-  // Runs after a call was logged and before it is answered, so that a test can change the world in mid-operation. Not
-  // called for calls that it makes itself.
+  // Runs after a call was logged and before it is answered, so that a test can change anything in the middle of an
+  // operation. Not called for calls that it makes itself.
   std::function<void(const std::string& call)> on_call;
   // Sees every look-up as it arrived, before it is answered.
   std::function<void(const elemdb_request& request)> on_lookup;
@@ -275,7 +275,7 @@ class programmable_platform {
   std::vector<conversion> conversions_;
 };
 
-// Sees every allocation that is granted, also after a reset; for a program that counts what nobody releases. NULL ends it.
+// Called for every allocation that is granted, also after a reset, until it is set to NULL; for a program that looks for leaks.
 void watch_allocations(void (*granted)(const void* address));
 
 // The one platform of this process. It lives from its first use on: the library's load hook calls before any constructor

@@ -1,4 +1,4 @@
-/* Whether the allocator of this process is the address sanitizer's, SANITIZER_ALLOCATES, and how that one is listened to. */
+/* SANITIZER_ALLOCATES: the allocator of this process is the address sanitizer's; and how to be called for what it allocates. */
 #ifndef TESTS_SUPPORT_SANITIZER_ALLOCATOR_H
 #define TESTS_SUPPORT_SANITIZER_ALLOCATOR_H
 

@@ -1,4 +1,4 @@
-// Peers that send what is no message, too much of it, or do not read: nobody else is the worse for it.
+// Peers that send no valid message, or too many, or do not read: no other peer is affected.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/resource.h>
@@ -223,7 +223,7 @@ void allow_descriptors(rlim_t count) {
   setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-// A process that connects as often as it was told, says so, and keeps what it has got.
+// A process that opens this many connections, signals its parent, and keeps them open.
 std::unique_ptr<other_process> crowd(const std::string& path, int connections) {
   return std::make_unique<other_process>([=](const other_process::line& parent) {
     allow_descriptors(static_cast<rlim_t>(connections) + 100);

@@ -1,4 +1,4 @@
-// Who takes part in the tests of the message transport: ends, other processes, and sockets that send what they like.
+// What the tests of the message transport talk with: ends, other processes, and plain sockets that can send any bytes.
 #ifndef TESTS_VSWITCH_MESSAGE_PARTIES_H
 #define TESTS_VSWITCH_MESSAGE_PARTIES_H
 
@@ -33,12 +33,12 @@ struct message_releaser {
 };
 using message = std::unique_ptr<msgq_message, message_releaser>;
 
-// The next message, none when receiving told anything else.
+// The next message; none when receiving has any other outcome.
 message receive(const end& at, int timeout_ms = kLongEnoughMs);
 
 std::string payload_of(const message& received);
 
-// What an operation comes to: 0, or its errno value after a check that both ways of asking for it agree.
+// The outcome of an operation: 0, or its errno value, after a check that both forms of the operation agree.
 int request(const end& from, std::string_view payload, uint32_t opcode = 1, uintptr_t send_arg = 0,
             const msgq_addr& to = kServer);
 int reply(const end& from, const message& answered, std::string_view payload);
@@ -68,7 +68,7 @@ class switch_with_messages {
 // A fork of this process that does one thing. It is killed with its owner, or when this process ends.
 class other_process {
  public:
-  // A line to the parent: a byte a call. wait() throws when the other side is gone.
+  // A socket between parent and child: say() sends one byte, wait() receives one and throws when the other side is gone.
   class line {
    public:
     explicit line(int socket) : socket_(socket) {}

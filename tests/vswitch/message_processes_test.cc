@@ -312,7 +312,7 @@ void let_everybody_in(const switch_with_messages& place) {
     fs::permissions(folder, fs::perms::all);
 }
 
-// The folder of the sockets is shut; who is nobody special cannot open it even if it is theirs.
+// A folder of sockets without any permission: only root can open it, not even its owner.
 TEST_F(MessageProcesses, ShutFolderIsNotPermitted) {
   const end server = open_end(kPoint);
   let_everybody_in(place);

@@ -41,7 +41,7 @@ class SharedSwitch : public ::testing::Test {
   std::string path() const { return folder_.path("switch"); }
   std::string variable() const { return "CHNSW_SWITCH=" + path(); }
 
-  // A child that ends with the test, whatever the test comes to.
+  // A child process that is killed at the end of the test, also of a failed one.
   class child_process {
    public:
     // Does the same again and again until it is killed.
