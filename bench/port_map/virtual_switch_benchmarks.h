@@ -23,7 +23,7 @@ class example_switch {
   std::string folder_;
 };
 
-// Every translation that fetches, against a memcpy of the bytes that it has to fetch. where completes the names.
+// Every translation that fetches, against a copy of what it fetches and a search of what it searches. where completes the names.
 void add_fetching_translations(const std::string& where, const std::function<void()>& use_switch);
 
 // The operations over many ports, against their plain forms.
