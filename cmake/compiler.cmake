@@ -22,7 +22,8 @@ add_compile_options(
   $<$<CXX_COMPILER_ID:Clang>:-Wcast-align>)
 
 # No path of the building machine in what is built. The last map that fits wins.
-add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+set(path_maps -ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+add_compile_options(${path_maps})
 
 set(CHNSW_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 if(CHNSW_SANITIZE)

@@ -133,8 +133,9 @@ class Place:
         (folder / "tmp").mkdir(parents=True)
 
     def compile(self, unit, output):
-        """Warnings are for people; debug information would tell lines apart."""
-        command = [word for word in self.library.commands[unit] if not re.match(r"-(g.*|W(?!l,).*)$", word)]
+        """Warnings are for people; debug information would tell lines apart. What is left to the linker would hide whether
+        two objects are the same program."""
+        command = [word for word in self.library.commands[unit] if not re.match(r"-(g.*|W(?!l,).*|flto.*)$", word)]
         command[command.index("-o") + 1] = str(output)
         command[command.index("-c") + 1] = str(self.sources / unit)
         return run(command + ["-w"], self.library.build, 120)
@@ -154,7 +155,7 @@ class Place:
         """With the originals of all objects but the changed ones, which are given by unit."""
         objects = {self.library.object_of(unit): str(changed.get(unit, self.originals / f"{unit}.o"))
                    for unit in self.library.commands}
-        command = [objects.get(word, word) for word in self.library.linking if word != "-g"]
+        command = [objects.get(word, word) for word in self.library.linking if not re.match(r"-(g|flto.*)$", word)]
         command[command.index("-o") + 1] = str(self.folder / self.library.target)
         return run(command, self.library.build, 120)
 

@@ -7,8 +7,6 @@
 #include <libchnsw.h>
 #include <platform/char_convert.h>
 
-ficon_convert_fn convert_fnptr;
-
 namespace {
 
 // The line that field tools look for in the message, wherever the code stands today.

@@ -17,8 +17,6 @@ static_assert(sizeof(ficon_hist_record) == 516);
 static_assert(offsetof(ficon_hist_record, subtype) == 0);
 static_assert(offsetof(ficon_hist_record, text) == 4);
 
-ficon_platform_info* libchnsw_pinfo;
-
 namespace {
 
 constexpr int kPlatformInfoLine = 81;

@@ -24,14 +24,6 @@ static_assert(sizeof(void*) != 4 || offsetof(elemdb_request, value_length) == 16
 static_assert(sizeof(void*) != 4 || offsetof(elemdb_request, value) == 20);
 static_assert(sizeof(void*) != 4 || sizeof(elemdb_request) == 24);
 
-uint16_t* ficon_pmap_port_to_vsan;
-ficon_pmap_port_entry* ficon_pmap_port_to_pn;
-uint16_t* ficon_pmap_pa_to_pn;
-uint32_t* ficon_pmap_pn_to_logif;
-uint8_t ficon_port_to_vsan_array[32];
-int32_t MAX_FICON_PORTS;
-int32_t fastpath_got_vsan_port;
-
 namespace {
 
 struct table_row {

@@ -16,8 +16,6 @@ static_assert(offsetof(ficon_vsan_tstmp_rec, ref_host_sec) == 12);
 static_assert(offsetof(ficon_vsan_tstmp_rec, ref_host_usec) == 16);
 static_assert(offsetof(ficon_vsan_tstmp_rec, ref_tod) == 24);
 
-uint64_t SECONDS_BTWN_EPOCHS = 2208988800;
-
 namespace {
 
 constexpr uint64_t kTodEpochUsec = 2208988800000000; // 1900-01-01 to 1970-01-01
