@@ -21,6 +21,8 @@ inline constexpr int kNumberedPerLineCard = 48;
 
 inline constexpr uint16_t kVsan = 10;
 inline constexpr uint16_t kOtherVsan = 20;
+inline constexpr uint16_t kLargeVsan = 30; // on the quiet platform alone
+inline constexpr int kLargeVsanPorts = 256;
 
 // Port numbers, and the port addresses of the same ports.
 inline constexpr uint16_t kCarriedByOne = 200;

@@ -1,5 +1,6 @@
 // The fast translations against a plain loop and against memchr over the same table, and the default numbering against two
-// plain loops. The platform is a quiet one, so that only the library is measured.
+// plain loops, and operations that go through others of the library's own against a plain form that does not. The platform is a
+// quiet one, so that only the library is measured.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -9,6 +10,7 @@
 
 #include <libchnsw.h>
 
+#include "composed_cases.h"
 #include "example_map.h"
 #include "fast_cases.h"
 #include "plain_forms.h"
@@ -53,11 +55,19 @@ void add_default_numbering() {
         kNumberingAgainstPlainLoop}});
 }
 
+void add_composed_operations() {
+  for (const bench::composed_case& tried : bench::composed_cases()) {
+    bench::add_ratio(tried.name, [tried] { benchmark::DoNotOptimize(tried.library()); },
+                     {{"plain form", [tried] { benchmark::DoNotOptimize(tried.plain()); }, tried.bar}});
+  }
+}
+
 } // namespace
 
 int main(int argc, char** argv) try {
   add_fast_translations();
   add_default_numbering();
+  add_composed_operations();
   return bench::run_benchmarks(argc, argv);
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s: %s\n", argv[0], error.what());

@@ -1,6 +1,8 @@
 // The port map's operations as one would write them first.
 #include "plain_forms.h"
 
+#include <cerrno>
+
 #include <platform/hwinv.h>
 #include <platform/if_index.h>
 #include <platform/lagmap.h>
@@ -133,6 +135,115 @@ void* allocate(uint32_t type, uint32_t size, int line) {
   void* const block = memacct_alloc(LIBCHNSW_MEM_LIB_ID, type, size);
   if (block == nullptr) std::printf("Warning! Malloc Failure in %s[%d] for size %d\n", chnsw::kSourcePath, line, size);
   return block;
+}
+
+// What the chassis is, by the cached platform record; its type is asked anew. Returns 0 or FICON_RC_PLATFORM.
+int32_t read_chassis(uint8_t* num_slots, int32_t* type) {
+  ficon_platform_info info;
+  if (libchnsw_pinfo != nullptr) {
+    info = *libchnsw_pinfo;
+  } else if (ficon_get_platform_info(&info) != 0) {
+    return FICON_RC_PLATFORM;
+  }
+  *num_slots = info.num_slots;
+  *type = -1;
+  if (hwinv_get_chassis_type(type) == 0) return 0;
+  ficon_log_error("hwinv_get_chassis_type failed, errno = %d", errno);
+  return FICON_RC_PLATFORM;
+}
+
+// The first of the two supervisor slots; beyond all slots when there are none.
+int first_supervisor(uint8_t num_slots, int32_t type) {
+  switch (num_slots) {
+    case 6:
+      return type == 34 ? 2 : 4;
+    case 9:
+    case 10:
+      return 4;
+    case 13:
+      return 6;
+    case 18:
+      return 8;
+    default:
+      return 256;
+  }
+}
+
+int32_t line_card_to_slot(int line_card, uint8_t* slot) {
+  uint8_t num_slots = 0;
+  int32_t type = 0;
+  const int32_t status = read_chassis(&num_slots, &type);
+  if (status != 0) return status;
+  const int line_cards = num_slots > 2 ? num_slots - 2 : num_slots;
+  if (line_cards <= line_card) return FICON_RC_INVALID_ARG;
+  *slot = static_cast<uint8_t>(line_card < first_supervisor(num_slots, type) ? line_card : line_card + 2);
+  return 0;
+}
+
+int32_t slot_to_line_card(uint8_t slot, uint8_t* line_card) {
+  uint8_t num_slots = 0;
+  int32_t type = 0;
+  const int32_t status = read_chassis(&num_slots, &type);
+  if (status != 0) return status;
+  if (num_slots <= slot) return FICON_RC_INVALID_ARG;
+  const int supervisor = first_supervisor(num_slots, type);
+  if (slot < supervisor) {
+    *line_card = slot;
+    return 0;
+  }
+  if (slot <= supervisor + 1) return FICON_RC_INVALID_ARG;
+  *line_card = static_cast<uint8_t>(slot - 2);
+  return 0;
+}
+
+// The interface of a physical port that is there and in no port-channel.
+uint32_t index_to_physical_interface(int index, uint32_t* if_index) {
+  uint8_t slot = 0;
+  int32_t status = line_card_to_slot(index / FICON_PMAP_PORTS_PER_LC, &slot);
+  if (status != 0) return static_cast<uint32_t>(status);
+  status = if_index_phy_fc_port_init(if_index, slot, static_cast<uint8_t>(index % FICON_PMAP_PORTS_PER_LC), 0);
+  if (status != 0) {
+    ficon_log_error("Failed to compute ifindex for index %d(%#x)\n", index, static_cast<uint32_t>(status));
+    return static_cast<uint32_t>(status);
+  }
+  uint16_t port_index = 0;
+  status = portidx_port_by_if_index(*if_index, &port_index);
+  if (status != 0) {
+    ficon_log_debug("portidx lookup failed for IfIndex %x with err (%d)\n", *if_index, status);
+    *if_index = 0;
+    return static_cast<uint32_t>(status) == FICON_PORTIDX_NO_PORT ? uint32_t{FICON_RC_NO_IF}
+                                                                  : static_cast<uint32_t>(status);
+  }
+  lagmap_port_query query = {*if_index, 0};
+  const uint32_t lag_status = static_cast<uint32_t>(lagmap_get_port(&query));
+  if (lag_status == 0 && query.channel != 0) {
+    ficon_log_debug("Index :%d is a portthats part of port-channel\n", index);
+    *if_index = 0;
+    return FICON_RC_LAG_MEMBER;
+  }
+  if (lag_status == 0 || lag_status == FICON_LAGMAP_NOT_MEMBER) return 0;
+  ficon_log_error("lagmap_get_port failed: if_index:%#x\n", *if_index);
+  return FICON_RC_PLATFORM;
+}
+
+// An interface that has a number of its own, not by its slot.
+int32_t bound_number(uint32_t if_index, ficon_pmap_port_entry* entry, uint32_t* index, const uint32_t* pn_to_if,
+                     const ficon_pmap_port_entry* port_to_pn, int32_t not_found) {
+  for (int32_t pn = 0; pn < MAX_FICON_PORTS; ++pn) {
+    if (pn_to_if[pn] != if_index) continue;
+    entry->pn = static_cast<uint16_t>(pn);
+    ficon_log_debug("Found ifindex in pn to logif map for : %#x\n ", if_index);
+    for (uint32_t further = FICON_PMAP_PHYS_ENTRIES; further < FICON_PMAP_PORT_ENTRIES; ++further) {
+      if (port_to_pn[further].pn != pn) continue;
+      *index = further;
+      entry->pa = port_to_pn[further].pa;
+      return 0;
+    }
+    ficon_log_debug("if_index:%#x not reserved\n", if_index);
+    break;
+  }
+  ficon_log_debug("if_index:%#x not associated\n", if_index);
+  return not_found;
 }
 
 bool is_numbered(const ficon_pmap_port_entry& entry) {
@@ -297,7 +408,7 @@ uint32_t plain::info_in_vsan(uint32_t vsan, uint16_t** pns, uint16_t** pas, uint
   for (int index = 0; index < FICON_PMAP_PHYS_ENTRIES; ++index) {
     if (ficon_pmap_port_to_vsan[index] != vsan) continue;
     uint32_t if_index = 0;
-    if (ficon_pmap_get_index_to_phyif(index, &if_index) != 0) continue;
+    if (index_to_physical_interface(index, &if_index) != 0) continue;
     const ficon_pmap_port_entry& entry = ficon_pmap_port_to_pn[index];
     if (*pns != nullptr) (*pns)[reported] = entry.pn;
     if (*pas != nullptr) (*pas)[reported] = entry.pa;
@@ -306,6 +417,78 @@ uint32_t plain::info_in_vsan(uint32_t vsan, uint16_t** pns, uint16_t** pas, uint
     ++reported;
   }
   *count = reported;
+  return 0;
+}
+
+int32_t plain::if_to_index(uint32_t if_index, uint32_t* index, const uint32_t* pn_to_if,
+                           const ficon_pmap_port_entry* port_to_pn, int32_t skip_lag_check) {
+  constexpr char kName[] = "ficon_pmap_get_if_to_pnpa_index_with2pmaps";
+  ficon_pmap_port_entry entry = {FICON_PMAP_NO_NUMBER, FICON_PMAP_NO_NUMBER, {}};
+  int32_t status = 0;
+  if (pn_to_if == nullptr) {
+    status = ficon_get_pmap_pnif();
+    if (status != 0) {
+      ficon_log_error("%s(%d):failed to get pmap_pnif %d\n", kName, 2884, status);
+      return status;
+    }
+    pn_to_if = ficon_pmap_pn_to_logif;
+  }
+  if (port_to_pn == nullptr) {
+    status = ficon_get_pmap_portpn();
+    if (status != 0) {
+      ficon_log_error("%s(%d):failed to get pmap_portpn %d\n", kName, 2894, status);
+      return status;
+    }
+    port_to_pn = ficon_pmap_port_to_pn;
+  }
+  uint8_t type = 0;
+  status = if_index_get_type(if_index, &type);
+  if (status != 0) {
+    ficon_log_error("failed to get if type for if_index:%#x (%d)\n", if_index, status);
+    return status;
+  }
+  if (type == IF_TYPE_PORT_CHANNEL || type == IF_TYPE_FCIP) {
+    return bound_number(if_index, &entry, index, pn_to_if, port_to_pn, FICON_RC_NOT_ASSOCIATED);
+  }
+  if (type != IF_TYPE_FC_PORT) {
+    ficon_log_error("if_index %#x not fc port. type = %d\n", if_index, type);
+    return FICON_RC_NOT_FC_PORT;
+  }
+  uint8_t slot = 0;
+  status = if_index_get_slot(if_index, &slot);
+  if (status != 0) {
+    ficon_log_error("Failed to get slot for if_index %#x (%d)\n", if_index, status);
+    return status;
+  }
+  uint8_t port = 0;
+  status = if_index_get_port(if_index, &port);
+  if (status != 0) {
+    ficon_log_error("Failed to get port for if_index %#x (%d)\n", if_index, status);
+    return status;
+  }
+  int lag_status = 0;
+  if (skip_lag_check == 0) {
+    lagmap_port_query query = {if_index, 0};
+    lag_status = lagmap_get_port(&query);
+    if (lag_status == 0 && query.channel != 0) {
+      ficon_log_error("if_index %#x is a port thats part of port-channel\n", if_index);
+      return bound_number(if_index, &entry, index, pn_to_if, port_to_pn, FICON_RC_LAG_MEMBER);
+    }
+  }
+  if (lag_status == 0 || static_cast<uint32_t>(lag_status) == FICON_LAGMAP_NOT_MEMBER) {
+    uint8_t line_card = 0;
+    status = slot_to_line_card(slot, &line_card);
+    if (status != 0) {
+      ficon_log_error("Invalid slot number for linecard %d (%d)\n", slot, status);
+      return status;
+    }
+    *index = static_cast<uint32_t>(line_card * FICON_PMAP_PORTS_PER_LC + port);
+    entry = port_to_pn[*index];
+    if (skip_lag_check != 0) return 0;
+  } else {
+    ficon_log_error("lagmap_get_port failed: if_index:%#x,rc:%d\n", if_index, lag_status);
+  }
+  ficon_log_debug("if_index:%#x, slot:%dbase1, port:%dbase1, port-number:%d\n", if_index, slot + 1, port + 1, entry.pn);
   return 0;
 }
 

@@ -28,6 +28,10 @@ struct layout {
 int32_t port_to_pn_init(const layout& layout, int32_t count, ficon_pmap_port_entry* entries, int32_t pa_count,
                         const uint16_t* pa_to_pn);
 
+// As ficon_pmap_get_if_to_index_with2pmaps.
+int32_t if_to_index(uint32_t if_index, uint32_t* index, const uint32_t* pn_to_if, const ficon_pmap_port_entry* port_to_pn,
+                    int32_t skip_lag_check);
+
 // Both fetch their tables. next_if knows physical ports only.
 uint32_t info_in_vsan(uint32_t vsan, uint16_t** pns, uint16_t** pas, uint32_t** if_indexes, uint32_t** bound,
                       uint32_t* count);

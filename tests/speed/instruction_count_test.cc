@@ -1,5 +1,5 @@
-// How many instructions a fast translation takes beside the plain loop that it replaces, as callgrind counts them: the same
-// number at every run, on a busy machine too.
+// How many instructions an operation takes beside its plain form, as callgrind counts them: the same number at every run, on a
+// busy machine too.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "composed_cases.h"
 #include "fast_cases.h"
 
 namespace {
@@ -74,6 +75,18 @@ TEST(InstructionCount, NoOrOneMatchTakesAtMostThirtySixHundredthsOfAPlainLoop) {
     ++compared;
   }
   EXPECT_EQ(compared, 16);
+}
+
+TEST(InstructionCount, GoingThroughOtherOperationsTakesNoMoreThanAPlainForm) {
+  const auto counts = count_instructions();
+  const auto cases = bench::composed_cases();
+  for (const bench::composed_case& counted : cases) {
+    const uint64_t library = counts.at(counted.name + ", library");
+    // Every one asks four services at the very least.
+    EXPECT_GT(library, 50u) << counted.name;
+    EXPECT_LE(library, counts.at(counted.name + ", plain")) << counted.name;
+  }
+  EXPECT_EQ(cases.size(), 3u);
 }
 
 } // namespace

@@ -136,6 +136,9 @@ TEST_F(RandomPortMap, PortsOfAVsanAreThoseOfThePlainForm) {
     }
   };
   fill(1);
+  platform.interface(physical_interface(0, 3)).channel = 3;
+  platform.interface(physical_interface(0, 4)).lag_status = 5;
+  platform.interface(physical_interface(0, 5)).portidx_status = 6;
   for (uint32_t vsan = 0; vsan < kVsans; ++vsan) {
     ports library;
     ports plain;
@@ -148,6 +151,64 @@ TEST_F(RandomPortMap, PortsOfAVsanAreThoseOfThePlainForm) {
     EXPECT_TRUE(std::equal(library.pas, library.pas + library.count, plain.pas));
     EXPECT_TRUE(std::equal(library.if_indexes, library.if_indexes + library.count, plain.if_indexes));
     EXPECT_TRUE(std::equal(library.bound, library.bound + library.count, plain.bound));
+  }
+}
+
+// What an interface's index is asked of: ports of every slot, and of none; members of a port-channel, ports whose port-channel
+// cannot be told, an interface with a number of its own, and such that FICON does not know.
+std::vector<uint32_t> interfaces_of(programmable_platform& platform) {
+  std::vector<uint32_t> interfaces = {fcip_interface(7), fcip_interface(8), port_channel_interface(7), 0x02000001};
+  for (uint32_t slot = 0; slot < 19; ++slot) {
+    for (uint32_t port = 0; port < 5; ++port) interfaces.push_back(physical_interface(slot, port));
+    platform.interface(physical_interface(slot, 1)).channel = 3;
+    platform.interface(physical_interface(slot, 2)).lag_status = 5;
+    platform.interface(physical_interface(slot, 3)).slot_status = 6;
+    platform.interface(physical_interface(slot, 4)).port_status = 7;
+  }
+  interfaces.push_back(physical_interface(1, 6));
+  platform.interface(physical_interface(1, 6)).type_status = 8;
+  return interfaces;
+}
+
+TEST_F(RandomPortMap, InterfaceToIndexAnswersLikeThePlainForm) {
+  using form = int32_t (*)(uint32_t, uint32_t*, const uint32_t*, const ficon_pmap_port_entry*, int32_t);
+  struct outcome {
+    int32_t status;
+    uint32_t index = kUntouched32;
+    std::vector<std::string> calls;
+    std::vector<std::string> errors;
+    std::vector<std::string> traces;
+    bool operator==(const outcome&) const = default;
+  };
+  const auto ask = [&](form call, uint32_t if_index, int32_t skip_lag_check) {
+    platform.forget_calls();
+    outcome outcome;
+    outcome.status = call(if_index, &outcome.index, ficon_pmap_pn_to_logif, ficon_pmap_port_to_pn, skip_lag_check);
+    outcome.calls = platform.all_calls();
+    outcome.errors = platform.errors();
+    outcome.traces = platform.traces();
+    return outcome;
+  };
+  constexpr struct {
+    int slots;
+    int32_t type;
+  } kChassis[] = {{2, 9}, {6, 34}, {6, 5}, {9, 32}, {10, 32}, {13, 38}, {18, 38}, {25, 1}};
+  const std::vector<uint32_t> interfaces = interfaces_of(platform);
+  fill(2);
+  for (const auto& chassis : kChassis) {
+    make_library_fresh();
+    know_ports(kPorts);
+    cache_map();
+    platform.set_chassis(chassis.slots, chassis.type);
+    ficon_platform_info info;
+    ASSERT_EQ(ficon_get_platform_info(&info), 0);
+    for (const uint32_t if_index : interfaces) {
+      for (const int32_t skip_lag_check : {0, 1}) {
+        EXPECT_TRUE(ask(ficon_pmap_get_if_to_index_with2pmaps, if_index, skip_lag_check) ==
+                    ask(plain::if_to_index, if_index, skip_lag_check))
+            << "interface " << std::hex << if_index << " of a chassis with " << chassis.slots << " slots";
+      }
+    }
   }
 }
 
