@@ -130,16 +130,17 @@ def gather():
 
 
 def compare(wanted, packages, machine):
-    """What no package of the list supplies to who calls it. Where packages are not installed their files are not known."""
+    """What no package of the list supplies to who calls it; and the steps that cannot be looked at, since their packages are not
+    here, each with those packages."""
     here = debian.release()
-    problems = []
+    problems, left_out = [], {}
     for step in STEPS:
         absent = not_installed(step, packages, machine, here)
         if absent:
-            print(f"NOT CHECKED: the commands of {', '.join(step.files)}, for want of {', '.join(absent)}", file=sys.stderr)
+            left_out[step] = absent
         else:
             problems += missing_commands(step, wanted[step], packages, machine, here)
-    return problems
+    return problems, left_out
 
 
 def main(arguments):
@@ -150,9 +151,13 @@ def main(arguments):
         print("NOT CHECKED: which packages supply the commands, for want of dpkg", file=sys.stderr)
         return 0
     wanted, problems = gather()
-    problems += compare(wanted, packages, debian.Machine())
+    missing, left_out = compare(wanted, packages, debian.Machine())
+    problems += missing
     for problem in problems:
         print(problem, file=sys.stderr)
+    if left_out:
+        print(f"NOT CHECKED: the commands of {', '.join(sorted({file for step in left_out for file in step.files}))}, for want of "
+              f"{', '.join(sorted(set().union(*left_out.values())))}", file=sys.stderr)
     print(f"{len(set().union(*wanted.values()))} commands, {len(problems)} problems")
     return 1 if problems else 0
 
