@@ -6,8 +6,9 @@
 #include "commands/change_commands.h"
 #include "commands/check_command.h"
 #include "commands/codepage_command.h"
-#include "commands/compare_commands.h"
 #include "commands/default_command.h"
+#include "commands/diff_command.h"
+#include "commands/export_command.h"
 #include "commands/front_command.h"
 #include "commands/info_command.h"
 #include "commands/listen_command.h"
@@ -37,7 +38,7 @@ std::vector<command> all_commands() {
   add({info_command()}, all);
   add(walk_commands(), all);
   add({default_command(), check_command(), front_command()}, all);
-  add(compare_commands(), all);
+  add({diff_command(), export_command()}, all);
   add({create_command(), watch_command(), set_command(), tod_command(), manager_command(), ask_command()}, all);
   add({install_command(), swap_command(), listen_command(), notify_command(), codepage_command(), message_command()}, all);
   return all;

@@ -1,6 +1,6 @@
-// Two switches held against each other, and one switch handed on in another form.
-#ifndef CHNSW_COMPARE_COMMANDS_H
-#define CHNSW_COMPARE_COMMANDS_H
+// One switch handed on in another form.
+#ifndef CHNSW_EXPORT_COMMAND_H
+#define CHNSW_EXPORT_COMMAND_H
 
 #include <string>
 
@@ -10,19 +10,13 @@
 
 namespace chnsw_tool {
 
-struct diff_options {
-  std::string a;
-  std::string b;
-};
-
 struct export_options {
   std::string to; // csv, json, toml; empty: what --format says, else toml
 };
 
-exit_code show_diff(const command_context& context, const diff_options& options);
 exit_code export_switch(const command_context& context, const export_options& options);
 
-std::vector<command> compare_commands(); // diff, export
+command export_command();
 
 } // namespace chnsw_tool
 

@@ -1,5 +1,4 @@
-// diff and export.
-#include "commands/compare_commands.h"
+#include "commands/export_command.h"
 
 #include <fmt/format.h>
 
@@ -7,7 +6,6 @@
 
 #include "commands/map_commands.h"
 #include "inspect/chassis/node_record.h"
-#include "inspect/chassis/switch_differences.h"
 #include "inspect/port_map/port_map_walk.h"
 #include "vswitch/chassis_file.h"
 #include "vswitch/interface_index.h"
@@ -127,19 +125,6 @@ std::string as_json(const vswitch::chassis_description& chassis, int indent) {
 
 } // namespace
 
-exit_code show_diff(const command_context& context, const diff_options& options) {
-  opened_switch a = open_switch(options.a);
-  opened_switch b = open_switch(options.b);
-  result_document document;
-  add_difference_columns("A", "B", document.columns);
-  for (const auto& found : differences(a.chassis, b.chassis)) {
-    document.rows.emplace_back();
-    add_difference_cells(found, document.rows.back().cells);
-  }
-  context.print(document);
-  return document.rows.empty() ? kFound : kNotFound;
-}
-
 exit_code export_switch(const command_context& context, const export_options& options) {
   const output_format format = context.style.format;
   if (options.to == "csv" || (options.to.empty() && format == output_format::csv)) {
@@ -154,23 +139,6 @@ exit_code export_switch(const command_context& context, const export_options& op
   return kFound;
 }
 
-// ---- The commands ----
-
-namespace {
-
-command diff_command() {
-  auto options = std::make_shared<diff_options>();
-  return {.name = "diff",
-          .what = "Where two chassis files or switches differ; exit status 1 when they do",
-          .examples =
-              "  chnsw diff before.toml after.toml\n  chnsw diff /tmp/director examples/director-10.toml\n"
-              "The change counter is not compared.",
-          .arguments = {word("A", &options->a, "Chassis file or switch's folder").path(),
-                        word("B", &options->b, "Chassis file or switch's folder").path()},
-          .run = runs(show_diff, options),
-          .parts = {}};
-}
-
 command export_command() {
   auto options = std::make_shared<export_options>();
   return {.name = "export",
@@ -182,12 +150,6 @@ command export_command() {
                             .one_of({"toml", "json", "csv"})},
           .run = runs(export_switch, options),
           .parts = {}};
-}
-
-} // namespace
-
-std::vector<command> compare_commands() {
-  return {diff_command(), export_command()};
 }
 
 } // namespace chnsw_tool
