@@ -1,16 +1,15 @@
-// What a device behind an interface says it is, as people read it.
-#ifndef CHNSW_NODE_IDENTITY_H
-#define CHNSW_NODE_IDENTITY_H
+// What a device behind an interface says it is.
+#ifndef INSPECT_NODE_IDENTITY_H
+#define INSPECT_NODE_IDENTITY_H
 
 #include <libchnsw.h>
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
-#include "output/result_document.h"
+#include "vswitch/node_descriptor.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 struct node_identity {
   uint32_t codepage = 0;
@@ -27,6 +26,9 @@ node_identity identity_of(uint32_t codepage, const ficon_node_descriptor& sent);
 // One that the library has converted already; what the host sent is not known any more.
 node_identity identity_of_converted(uint32_t codepage, const ficon_node_descriptor& converted);
 
+// Its fields one by one. The texts, in UTF-8 and without the blanks behind each, are empty when they cannot be read.
+vswitch::node_descriptor node_fields(const node_identity& node);
+
 // "TYPE-MODEL-MANUFACTURER-PLANT-SEQUENCE", without the blanks behind each; empty when it cannot be read.
 std::string node_text(const node_identity& node);
 
@@ -34,13 +36,8 @@ std::string node_text(const node_identity& node);
 std::string codepage_text(uint32_t codepage);
 
 // The 32 bytes in hexadecimal, with a separator between the fields.
-std::string hex_of(const ficon_node_descriptor& descriptor, const char* separator);
+std::string descriptor_hex(const ficon_node_descriptor& descriptor, const char* separator);
 
-// The node as columns of a result, and its cells; every cell of no node is missing.
-std::vector<column> node_columns();
-std::vector<cell> node_cells(const node_identity& node);
-std::vector<cell> no_node_cells();
-
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

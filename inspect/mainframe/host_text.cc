@@ -29,11 +29,14 @@ std::string converted(uint32_t mode, uint32_t codepage, std::string text) {
 
 } // namespace
 
+bool is_known_codepage(uint32_t codepage) {
+  return std::string_view(ficon_get_codepage_name(codepage)) != ficon_get_codepage_name(0); // what any other is called
+}
+
 std::vector<uint32_t> known_codepages() {
-  const std::string_view unknown = ficon_get_codepage_name(0);
   std::vector<uint32_t> pages;
   for (uint32_t page = 0; page < kCodepages; ++page)
-    if (ficon_get_codepage_name(page) != unknown) pages.push_back(page);
+    if (is_known_codepage(page)) pages.push_back(page);
   return pages;
 }
 

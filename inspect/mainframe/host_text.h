@@ -1,6 +1,6 @@
 // Text of mainframe hosts and of the switch, converted by the library.
-#ifndef CHNSW_HOST_TEXT_H
-#define CHNSW_HOST_TEXT_H
+#ifndef INSPECT_HOST_TEXT_H
+#define INSPECT_HOST_TEXT_H
 
 #include <cstdint>
 #include <string>
@@ -11,6 +11,7 @@ namespace inspect {
 
 // The code pages that the library has a name for, ascending.
 std::vector<uint32_t> known_codepages();
+bool is_known_codepage(uint32_t codepage);
 
 // UTF-8 as the switch's text, ISO 8859-1. Throws a question error that names the first character which it does not have; what says
 // what the text is for.

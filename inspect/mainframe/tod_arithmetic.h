@@ -1,14 +1,15 @@
-// TOD clock values by the library, and the arithmetic behind them in words.
-#ifndef CHNSW_TOD_ARITHMETIC_H
-#define CHNSW_TOD_ARITHMETIC_H
+// TOD clock values by the library, each held against the arithmetic that is behind it.
+#ifndef INSPECT_TOD_ARITHMETIC_H
+#define INSPECT_TOD_ARITHMETIC_H
 
 #include <cstdint>
 #include <string>
 
-#include "output/result_document.h"
 #include "vswitch/mainframe_time.h"
 
-namespace chnsw_tool {
+namespace inspect {
+
+inline constexpr int64_t kTodUnits = 4096; // of a microsecond
 
 // The library's two texts of a TOD clock value.
 struct tod_texts {
@@ -17,19 +18,28 @@ struct tod_texts {
 };
 tod_texts texts_of(uint64_t tod);
 
-// The TOD clock value of a host time by a reference (of zeros: by none), from the library. It is worked out here as well, and
-// a difference ends the command as an internal error.
+// Zero seconds and zero microseconds: the library takes it for no reference.
+bool is_no_reference(const vswitch::time_reference& reference);
+
+// How the library goes from a reference to a host time.
+struct relative_time {
+  int32_t seconds;      // the difference in 32 bits, as it wraps
+  int32_t microseconds; // the same
+  uint64_t tod;
+};
+relative_time relative_to(const vswitch::time_reference& reference, const ficon_host_time& at);
+
+// The TOD clock value of a host time by a reference, from the library. It is worked out here as well, and a difference is thrown
+// as an internal error.
 uint64_t tod_by_library(const vswitch::time_reference& reference, const ficon_host_time& at);
 
 // The value of an instant: the library's where 32 bits of seconds hold it, else by the same rule.
 uint64_t tod_by_library(vswitch::instant at);
 
-// Each puts the arithmetic beside a row's values.
-void explain_time_stamp(uint32_t vsan, const vswitch::time_reference& reference, const ficon_host_time& at,
-                        result_row& row);
-void explain_instant(vswitch::instant at, unsigned leap_seconds, result_row& row);
-void explain_tod(uint64_t tod, unsigned leap_seconds, result_row& row);
+// Leap seconds are those that the TOD clock is ahead of UTC.
+vswitch::instant with_leap_seconds(vswitch::instant at, unsigned leap_seconds);
+vswitch::instant without_leap_seconds(uint64_t tod, unsigned leap_seconds);
 
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

@@ -1,22 +1,18 @@
-// Reading moments.
 #include "inspect/mainframe/tod_values.h"
 
 #include <fmt/format.h>
 
-#include <cerrno>
-#include <cstring>
 #include <system_error>
 
-#include "command_context.h"
-#include "exit_code.h"
+#include "inspect/error.h"
 #include "inspect/words/printable_text.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 namespace {
 
 constexpr std::string_view kNow = "now";
-constexpr std::string_view kLines = "-";
+constexpr std::string_view kNone = "none";
 constexpr std::string_view kTodForm = "4 to 16 hexadecimal digits of a TOD clock value like CE4F44C40DC3B000";
 constexpr std::string_view kTimeForms =
     "a time in UTC like 2015-01-05T09:07:03.000123Z, host seconds like @1420448823.000123, or now";
@@ -40,35 +36,6 @@ std::string_view trimmed(std::string_view line) {
   const size_t first = line.find_first_not_of(kBlanks);
   if (first == std::string_view::npos) return {};
   return line.substr(first, line.find_last_not_of(kBlanks) - first + 1);
-}
-
-void add_line(size_t number, std::string_view word, host_clock& clock, moment_list& list) {
-  try {
-    list.moments.push_back(parse_moment(word, clock));
-  } catch (const inspect::error& error) {
-    if (error.failed() == failure::platform) throw;
-    notice(fmt::format("line {}: {}", number, error.what()));
-    list.has_bad_line = true;
-  }
-}
-
-// The next line without its end; none at the end of the file.
-std::optional<std::string> next_line(std::FILE* lines) {
-  std::string line;
-  int character = std::getc(lines);
-  if (character == EOF) return std::nullopt;
-  for (; character != EOF && character != '\n'; character = std::getc(lines)) line += static_cast<char>(character);
-  return line;
-}
-
-void add_lines(std::FILE* lines, host_clock& clock, moment_list& list) {
-  size_t number = 0;
-  while (auto line = next_line(lines)) {
-    ++number;
-    const std::string_view word = trimmed(*line);
-    if (!word.empty()) add_line(number, word, clock, list);
-  }
-  if (std::ferror(lines) != 0) throw platform_error(fmt::format("standard input cannot be read: {}", std::strerror(errno)));
 }
 
 } // namespace
@@ -113,20 +80,38 @@ uint64_t parse_tod_value(std::string_view word, host_clock& clock) {
   return *tod;
 }
 
-moment_list parse_moments(const std::vector<std::string>& words, std::FILE* lines, host_clock& clock) {
-  moment_list list;
-  for (std::string_view rest : words) {
-    for (size_t comma = 0; comma != std::string_view::npos;) {
-      comma = rest.find(',');
-      const std::string_view word = rest.substr(0, comma);
-      if (word == kLines)
-        add_lines(lines, clock, list);
-      else
-        list.moments.push_back(parse_moment(word, clock));
-      if (comma != std::string_view::npos) rest.remove_prefix(comma + 1);
+std::vector<std::string> moment_words(const std::vector<std::string>& list) {
+  std::vector<std::string> words;
+  for (std::string_view rest : list) {
+    for (size_t comma = rest.find(','); comma != std::string_view::npos; comma = rest.find(',')) {
+      words.emplace_back(rest.substr(0, comma));
+      rest.remove_prefix(comma + 1);
     }
+    words.emplace_back(rest);
   }
-  return list;
+  return words;
 }
 
-} // namespace chnsw_tool
+std::optional<moment_line> parse_moment_line(size_t number, std::string_view line, host_clock& clock) {
+  const std::string_view word = trimmed(line);
+  if (word.empty()) return std::nullopt;
+  try {
+    return moment_line{number, parse_moment(word, clock), {}};
+  } catch (const error& refused) {
+    if (refused.failed() == failure::platform) throw;
+    return moment_line{number, {}, refused.what()};
+  }
+}
+
+std::optional<vswitch::time_reference> parse_time_reference(std::string_view host_time, std::string_view tod) {
+  if (host_time == kNone) {
+    if (!tod.empty()) throw question_error("a TOD clock value belongs to a host time; none takes both away");
+    return std::nullopt;
+  }
+  host_clock clock;
+  const ficon_host_time host = parse_host_time(host_time, clock);
+  return vswitch::time_reference{host,
+                                 tod.empty() ? vswitch::tod_of(vswitch::instant_of(host)) : parse_tod_value(tod, clock)};
+}
+
+} // namespace inspect

@@ -1,9 +1,9 @@
 // Moments as people write them: TOD clock values, times, host seconds and "now", alone, as lists and line by line.
-#ifndef CHNSW_TOD_VALUES_H
-#define CHNSW_TOD_VALUES_H
+#ifndef INSPECT_TOD_VALUES_H
+#define INSPECT_TOD_VALUES_H
 
+#include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,7 +11,7 @@
 
 #include "vswitch/mainframe_time.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 // What one word names: a TOD clock value, or an instant.
 struct named_moment {
@@ -20,7 +20,7 @@ struct named_moment {
   vswitch::instant at; // when tod is not set
 };
 
-// One reading of the host's clock, so that every "now" of a command is the same moment.
+// One reading of the host's clock, so that every "now" of a question is the same moment.
 class host_clock {
  public:
   vswitch::instant now(); // throws error when the clock cannot be read
@@ -38,14 +38,23 @@ ficon_host_time parse_host_time(std::string_view word, host_clock& clock);
 // 4 to 16 hexadecimal digits, or "now".
 uint64_t parse_tod_value(std::string_view word, host_clock& clock);
 
-// Every moment of a list like {"CE4F,now", "-"}, in the order given; "-" stands for the lines of a file. A line that names
-// no moment is complained about with its number, and the others are taken all the same.
-struct moment_list {
-  std::vector<named_moment> moments;
-  bool has_bad_line = false;
-};
-moment_list parse_moments(const std::vector<std::string>& words, std::FILE* lines, host_clock& clock);
+// The words of a list like {"CE4F,now", "@0"}, in the order given.
+std::vector<std::string> moment_words(const std::vector<std::string>& list);
 
-} // namespace chnsw_tool
+// One line of a file: its moment, or the reason why it names none.
+struct moment_line {
+  size_t number; // from 1
+  std::optional<named_moment> moment;
+  std::string reason;
+};
+
+// None for a line of blanks.
+std::optional<moment_line> parse_moment_line(size_t number, std::string_view line, host_clock& clock);
+
+// A host time and the TOD clock value of the same moment; without one, what the TOD clock says then. A host time of "none" means no
+// reference. Throws a question error.
+std::optional<vswitch::time_reference> parse_time_reference(std::string_view host_time, std::string_view tod);
+
+} // namespace inspect
 
 #endif

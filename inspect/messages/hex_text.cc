@@ -3,10 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 
 #include "inspect/error.h"
@@ -132,25 +130,12 @@ std::string parse_hex(std::string_view text) {
   return reader.take_bytes();
 }
 
-std::string parse_hex(const std::vector<std::string>& words, std::FILE* input) {
-  if (words.size() == 1 && words[0] == "-") return parse_hex(read_all(input));
-  return parse_hex(fmt::format("{}", fmt::join(words, " ")));
-}
-
 std::string hex_text(std::string_view bytes, size_t group) {
   std::string text;
   for (size_t n = 0; n < bytes.size(); ++n) {
     if (group != 0 && n != 0 && n % group == 0) text += ' ';
     text += fmt::format("{:02X}", static_cast<unsigned char>(bytes[n]));
   }
-  return text;
-}
-
-std::string read_all(std::FILE* input) {
-  std::string text;
-  char block[4096];
-  for (size_t size = 0; (size = std::fread(block, 1, sizeof block, input)) != 0;) text.append(block, size);
-  if (std::ferror(input) != 0) throw platform_error(fmt::format("standard input cannot be read: {}", std::strerror(errno)));
   return text;
 }
 

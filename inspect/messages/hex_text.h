@@ -1,11 +1,10 @@
 // Bytes as people write them down: hexadecimal digits, alone or as a dump.
-#ifndef CHNSW_HEX_TEXT_H
-#define CHNSW_HEX_TEXT_H
+#ifndef INSPECT_HEX_TEXT_H
+#define INSPECT_HEX_TEXT_H
 
-#include <cstdio>
+#include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace inspect {
 
@@ -14,14 +13,8 @@ namespace inspect {
 // where it went wrong.
 std::string parse_hex(std::string_view text);
 
-// The words one after the other; "-" alone stands for standard input.
-std::string parse_hex(const std::vector<std::string>& words, std::FILE* input);
-
 // "C1F1", with a separator after every so many bytes when group is not 0.
 std::string hex_text(std::string_view bytes, size_t group = 0);
-
-// All of a file. Throws error when it cannot be read.
-std::string read_all(std::FILE* input);
 
 } // namespace inspect
 

@@ -20,7 +20,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr milliseconds kPauseOfAFullQueue{5};
+constexpr milliseconds kPauseWhileQueueIsFull{5};
 
 milliseconds timeout_of(double seconds) {
   return milliseconds(std::llround(seconds * 1000));
@@ -72,14 +72,14 @@ void manager_client::fail(int error) const {
   }
 }
 
-// A full queue is emptied by and by.
+// The manager makes room in a full queue while it serves.
 void manager_client::send_until_taken(const std::function<uint32_t()>& send) {
   const moment end = deadline();
   for (uint32_t result = send(); result != 0; result = send()) {
     const int error = msgq_errno_get(handle_);
     if (error == 0) throw platform_error("the library cannot send: " + status_text(result));
     if (error != EAGAIN || steady_clock::now() >= end) fail(error);
-    std::this_thread::sleep_for(kPauseOfAFullQueue);
+    std::this_thread::sleep_for(kPauseWhileQueueIsFull);
   }
 }
 
@@ -134,6 +134,12 @@ void manager_client::send(uint32_t opcode, const void* payload, uint32_t length)
   send_until_taken([&] {
     return static_cast<uint32_t>(msgq_send(handle_, &vswitch::kManagerAddress, opcode, payload, length, 0, nullptr, 0));
   });
+}
+
+int manager_client::descriptor() const {
+  const int descriptor = msgq_descriptor(handle_);
+  if (descriptor == -1) throw platform_error("messages cannot be waited for");
+  return descriptor;
 }
 
 void manager_client::connect_to_notices() {

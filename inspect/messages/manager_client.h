@@ -1,6 +1,6 @@
 // A client of the manager that serves a switch's folder: an end of the transport, requests, and the wait for their replies.
-#ifndef CHNSW_MANAGER_CLIENT_H
-#define CHNSW_MANAGER_CLIENT_H
+#ifndef INSPECT_MANAGER_CLIENT_H
+#define INSPECT_MANAGER_CLIENT_H
 
 #include <chrono>
 #include <cstdint>
@@ -23,7 +23,8 @@ using received_message = std::unique_ptr<msgq_message, message_releaser>;
 
 class manager_client {
  public:
-  // Opens an end on a switch's folder; the manager is not looked for yet. Throws error.
+  // Opens an end on a switch's folder, on which the services of this process work from here on. The manager is not looked for
+  // yet. Throws error.
   manager_client(const std::string& folder, double timeout_seconds);
   ~manager_client();
   manager_client(const manager_client&) = delete;
@@ -37,17 +38,19 @@ class manager_client {
   // Sends by one of the library's senders, which gets the handle and the send_arg, and waits for the reply.
   using sender = std::function<uint32_t(msgq*, uintptr_t)>;
   received_message ask(const sender& send);
-  // The same for a sender whose send_arg is always 0.
+  // The same for a sender that takes no send_arg: the reply has 0.
   received_message ask_unmarked(const std::function<uint32_t(msgq*)>& send);
 
-  // The same with a message of the manager's own.
+  // The same with a message of the manager's own, which the library does not know.
   received_message order(uint32_t opcode, const void* payload, uint32_t length);
 
   // For a request whose reply is not the next message: sends it, and receives what comes, one by one.
   void send(uint32_t opcode, const void* payload, uint32_t length);
   received_message receive();
 
-  // Hears notices from here on.
+  // Readable when a message has come.
+  int descriptor() const;
+  // Receives notices too from here on.
   void connect_to_notices();
   // The next message that is there already; nullptr when there is none.
   received_message receive_at_once();

@@ -160,6 +160,31 @@ const named* find(std::span<const named> things, std::string_view name) {
 
 } // namespace
 
+bool is_number(field_form form) {
+  switch (form) {
+    case number:
+    case field_form::status:
+    case codepage:
+    case interface_on_wire:
+    case interface_as_is:
+    case field_form::count:
+      return true;
+    default:
+      return false;
+  }
+}
+
+const message_field* field_of_form(const message_kind& kind, field_form form) {
+  for (const auto& field : kind.fields)
+    if (field.form == form) return &field;
+  return nullptr;
+}
+
+byte_order order_of(const message_field& field, byte_order order) {
+  const bool always_big = field.form == interface_on_wire || field.form == interface_list;
+  return always_big ? byte_order::big : order;
+}
+
 std::span<const message_kind> message_kinds() {
   return kKinds;
 }

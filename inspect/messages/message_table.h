@@ -1,6 +1,6 @@
 // The messages between the FICON manager and its clients, as one table: kinds, and the fields of their records.
-#ifndef CHNSW_MESSAGE_TABLE_H
-#define CHNSW_MESSAGE_TABLE_H
+#ifndef INSPECT_MESSAGE_TABLE_H
+#define INSPECT_MESSAGE_TABLE_H
 
 #include <cstddef>
 #include <cstdint>
@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "inspect/messages/byte_order.h"
 
 namespace inspect {
 
@@ -27,10 +29,14 @@ enum class field_form {
   interface_list
 };
 
+bool is_number(field_form form);
+
+inline constexpr size_t kListedInterfaceBytes = 4;
+
 struct message_field {
   std::string_view name;
   size_t offset;
-  size_t length; // 0: as long as the interfaces are many
+  size_t length; // 0: kListedInterfaceBytes for each interface
   field_form form;
   uint32_t usual; // what encode writes when nothing else is said
   std::string_view what;
@@ -51,6 +57,12 @@ struct message_kind {
 };
 
 std::span<const message_kind> message_kinds();
+
+// The first field of a form; nullptr when there is none.
+const message_field* field_of_form(const message_kind& kind, field_form form);
+
+// The byte order of a field in a record of the order given.
+byte_order order_of(const message_field& field, byte_order order);
 
 // Throws a question error that suggests another name.
 const message_kind& find_message_kind(std::string_view name);

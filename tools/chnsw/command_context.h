@@ -28,6 +28,10 @@ struct command_context {
 // The folder of the switch that a manager serves, or a usage error.
 const std::string& managed_folder(const command_context& context);
 
+// What several commands say.
+inline constexpr char kChangesNeedFolder[] = "edit the file, or make a folder of it with chnsw create";
+inline constexpr char kNothingToChange[] = "nothing to change: the switch holds these values already";
+
 // A line on standard error, under the tool's name.
 void notice(const std::string& text);
 

@@ -9,7 +9,7 @@
 #include <csignal>
 #include <cstring>
 
-#include "exit_code.h"
+#include "inspect/error.h"
 
 namespace chnsw_tool {
 
@@ -20,7 +20,8 @@ interruption::interruption() {
   sigaddset(&signals, SIGTERM);
   sigprocmask(SIG_BLOCK, &signals, nullptr);
   descriptor_ = ::signalfd(-1, &signals, SFD_CLOEXEC);
-  if (descriptor_ == -1) throw platform_error(fmt::format("signals cannot be waited for: {}", std::strerror(errno)));
+  if (descriptor_ == -1)
+    throw inspect::platform_error(fmt::format("signals cannot be waited for: {}", std::strerror(errno)));
 }
 
 interruption::~interruption() {

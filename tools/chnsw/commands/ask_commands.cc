@@ -1,126 +1,87 @@
 // ask: port map entries, enabled VSANs, states in VSANs, node descriptors.
 #include "commands/ask_commands.h"
-#include "inspect/words/printable_text.h"
-#include "inspect/words/status_names.h"
 
 #include <fmt/format.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <algorithm>
 
-#include "inspect/chassis/node_identity.h"
+#include "inspect/messages/manager_questions.h"
 #include "inspect/port_map/map_findings.h"
+#include "inspect/words/printable_text.h"
+#include "inspect/words/status_names.h"
 #include "inspect/words/target_numbers.h"
+#include "output/node_columns.h"
 #include "output/port_row.h"
+#include "output/record_table.h"
 #include "vswitch/interface_index.h"
-#include "vswitch/vsan_set.h"
 
 namespace chnsw_tool {
 
 namespace {
 
-// What a manager logs beside a question.
-constexpr char kAskerText[] = "chnsw";
-constexpr char kReasonText[] = "ask portmap";
+using inspect::enabled_vsan;
+using inspect::node_answer;
+using inspect::port_map_answer;
+using inspect::vsan_state_answer;
 
-// ---- Port map entries ----
+const record_column<port_map_answer> kPortMapColumns[] = {
+    {{"interface", "INTERFACE"}, [](const port_map_answer& answer) { return interface_name_cell(answer.if_index); }},
+    {{"if_index", "IF-INDEX", 8, true}, [](const port_map_answer& answer) { return interface_cell(answer.if_index); }},
+    {{"pn", "PN", 2}, [](const port_map_answer& answer) { return number_cell(answer.pn); }},
+    {{"pa", "PA", 2, true}, [](const port_map_answer& answer) { return number_cell(answer.pa); }},
+    {{"status", "STATUS"}, [](const port_map_answer& answer) -> cell { return status{answer.status}; }},
+};
 
-bool is_number(uint16_t number) {
-  return number != FICON_PMAP_NO_NUMBER;
-}
+const record_column<enabled_vsan> kVsanColumns[] = {
+    {{"vsan", "VSAN"}, [](const enabled_vsan& enabled) -> cell { return int64_t{enabled.vsan}; }},
+    {{"name", "NAME"}, [](const enabled_vsan& enabled) -> cell { return enabled.name; }},
+};
 
-// Asks, and adds a row; whether the interface has both numbers.
-bool add_numbers(manager_client& manager, uint32_t if_index, result_document& document) {
-  auto answer = manager.ask([&](msgq* handle, uintptr_t send_arg) {
-    return static_cast<uint32_t>(
-        ficon_send_get_portmap_nonblock(handle, kAskerText, kReasonText, 0, 0, if_index, 0, 0, send_arg));
-  });
-  uint32_t answered = 0;
-  uint16_t pn = FICON_PMAP_NO_NUMBER;
-  uint16_t pa = FICON_PMAP_NO_NUMBER;
-  const uint32_t result = ficon_parse_get_portmap(answer.get(), &answered, &pn, &pa);
-  const bool known = result == 0;
-  document.add({interface_name_cell(if_index), interface_cell(if_index), known_cell(known, number_cell(pn)),
-                known_cell(known, number_cell(pa)), status{result}});
-  return known && is_number(pn) && is_number(pa);
-}
-
-// ---- Enabled VSANs ----
-
-// The library hands out the list without its length, which the list itself tells.
-number_list enabled_vsans(msgq_message* answer) {
-  void* list = nullptr;
-  const uint32_t result = ficon_parse_get_enabled_vsans(answer, &list);
-  if (result != 0) throw platform_error("the manager's answer has no list of VSANs: " + status_text(result));
-  const std::unique_ptr<void, decltype(&std::free)> owned(list, &std::free);
-  if (msgq_payload_size(answer) < sizeof(vsan_block)) throw platform_error("the manager's list of VSANs is too short");
-  vsan_block vsans;
-  std::memcpy(&vsans, list, sizeof vsans);
-  return vswitch::vsans_of(vsans);
-}
-
-std::string name_of_vsan(const vswitch::chassis_description& chassis, uint16_t vsan) {
-  auto found = chassis.vsans.find(vsan);
-  return found == chassis.vsans.end() ? "" : found->second;
-}
-
-// ---- States in VSANs ----
-
-bool add_state(manager_client& manager, uint32_t if_index, uint32_t vsan, result_document& document) {
-  auto answer = manager.ask([&](msgq* handle, uintptr_t send_arg) {
-    const ficon_ifvsan_query query = {0, 0, vsan, if_index, 0};
-    return static_cast<uint32_t>(ficon_send_query_ifvsan_state(handle, &query, send_arg));
-  });
-  ficon_ifvsan_query state{};
-  const uint32_t result = ficon_parse_query_ifvsan(answer.get(), &state);
-  const bool known = result == 0;
-  document.add({interface_name_cell(if_index), interface_cell(if_index), int64_t{vsan},
-                known_cell(known, (state.state & vswitch::kIfVsanMember) != 0),
-                known_cell(known, (state.state & vswitch::kIfVsanBound) != 0), known_cell(known, int64_t{state.state}),
-                status{result}});
-  return known;
-}
+const record_column<vsan_state_answer> kVsanStateColumns[] = {
+    {{"interface", "INTERFACE"}, [](const vsan_state_answer& answer) { return interface_name_cell(answer.if_index); }},
+    {{"if_index", "IF-INDEX", 8, true}, [](const vsan_state_answer& answer) { return interface_cell(answer.if_index); }},
+    {{"vsan", "VSAN"}, [](const vsan_state_answer& answer) -> cell { return int64_t{answer.vsan}; }},
+    {{"member", "MEMBER"},
+     [](const vsan_state_answer& answer) { return known_cell(answer.state.has_value(), answer.is_member()); }},
+    {{"bound", "BOUND"},
+     [](const vsan_state_answer& answer) { return known_cell(answer.state.has_value(), answer.is_bound()); }},
+    {{"state", "", 0, false, column::data_only},
+     [](const vsan_state_answer& answer) { return optional_cell(answer.state); }},
+    {{"status", "STATUS"}, [](const vsan_state_answer& answer) -> cell { return status{answer.status}; }},
+};
 
 // ---- Node descriptors ----
 
-struct asked_node {
-  uint32_t if_index = 0;
-  uint32_t result = 0;
-  node_identity node; // with result 0
+const record_column<node_answer> kNodeInterfaceColumns[] = {
+    {{"interface", "INTERFACE"}, [](const node_answer& answer) { return interface_name_cell(answer.if_index); }},
+    {{"if_index", "IF-INDEX", 8, true}, [](const node_answer& answer) { return interface_cell(answer.if_index); }},
 };
 
-// Asked for as the host sent it, so that both forms can be shown; the conversion is the one that the parser would make.
-asked_node ask_for_node(manager_client& manager, uint32_t if_index) {
-  auto answer = manager.ask([&](msgq* handle, uintptr_t send_arg) {
-    return static_cast<uint32_t>(ficon_send_get_rnid_nonblock(handle, if_index, 0, 0, 0, 0, send_arg));
-  });
-  uint32_t codepage = 0;
-  ficon_node_descriptor sent{};
-  asked_node asked;
-  asked.if_index = if_index;
-  asked.result = ficon_parse_get_rnid(answer.get(), nullptr, nullptr, nullptr, &codepage, nullptr, nullptr, &sent);
-  if (asked.result == 0) asked.node = identity_of(codepage, sent);
-  return asked;
-}
+const record_column<node_answer> kNodeBytesColumns[] = {
+    {{"as_sent", ""},
+     [](const node_answer& answer) -> cell {
+       return answer.node ? cell(inspect::descriptor_hex(answer.node->sent, "")) : cell();
+     }},
+    {{"converted", ""},
+     [](const node_answer& answer) -> cell {
+       return answer.is_readable() ? cell(inspect::descriptor_hex(answer.node->converted, "")) : cell();
+     }},
+    {{"conversion_status", ""},
+     [](const node_answer& answer) { return answer.node ? cell(status{answer.node->conversion}) : cell(); }},
+    {{"status", ""}, [](const node_answer& answer) -> cell { return status{answer.status}; }},
+};
 
-std::vector<column> rnid_columns() {
-  std::vector<column> columns = {{"interface", "INTERFACE"}, {"if_index", "IF-INDEX", 8, true}};
-  for (auto& column : node_columns()) columns.push_back(std::move(column));
-  columns.push_back({"as_sent", ""});
-  columns.push_back({"converted", ""});
-  columns.push_back({"conversion_status", ""});
-  columns.push_back({"status", ""});
+std::vector<column> node_answer_columns() {
+  auto columns = columns_of<node_answer>(kNodeInterfaceColumns);
+  append(columns, node_columns());
+  append(columns, columns_of<node_answer>(kNodeBytesColumns));
   return columns;
 }
 
-std::vector<cell> rnid_cells(const asked_node& asked) {
-  const bool known = asked.result == 0;
-  std::vector<cell> cells = {interface_name_cell(asked.if_index), interface_cell(asked.if_index)};
-  for (auto& value : known ? node_cells(asked.node) : no_node_cells()) cells.push_back(std::move(value));
-  cells.push_back(known_cell(known, hex_of(asked.node.sent, "")));
-  cells.push_back(known_cell(known && asked.node.is_readable(), hex_of(asked.node.converted, "")));
-  cells.push_back(known_cell(known, status{asked.node.conversion}));
-  cells.emplace_back(status{asked.result});
+std::vector<cell> node_answer_cells(const node_answer& answer) {
+  auto cells = cells_of<node_answer>(kNodeInterfaceColumns, answer);
+  append(cells, node_cells(answer.node));
+  append(cells, cells_of<node_answer>(kNodeBytesColumns, answer));
   return cells;
 }
 
@@ -128,28 +89,31 @@ void add_line(const char* label, const std::string& value, std::string& text) {
   text += fmt::format("  {:<9}  {}\n", label, value);
 }
 
+void add_node(const inspect::node_identity& node, std::string& text) {
+  const bool readable = node.is_readable();
+  add_line("node", readable ? inspect::printable(inspect::node_text(node)) : "-", text);
+  add_line("flags", inspect::descriptor_hex(node.sent, " ").substr(0, 2 * sizeof node.sent.flags), text);
+  add_line("tag", fmt::format("{:02X}{:02X}", node.sent.tag[0], node.sent.tag[1]), text);
+  add_line("code page", inspect::codepage_text(node.codepage), text);
+  add_line("as sent", inspect::descriptor_hex(node.sent, " "), text);
+  add_line("converted", readable ? inspect::descriptor_hex(node.converted, " ") : inspect::status_text(node.conversion),
+           text);
+}
+
 // One below the other: side by side they would not fit a terminal.
-std::string text_of(const asked_node& asked) {
-  std::string text = fmt::format("{} 0x{:08X}\n", vswitch::interface_name(asked.if_index), asked.if_index);
-  const node_identity& node = asked.node;
-  if (asked.result == 0) {
-    add_line("node", node.is_readable() ? printable(node_text(node)) : "-", text);
-    add_line("flags", hex_of(node.sent, " ").substr(0, 2 * sizeof node.sent.flags), text);
-    add_line("tag", fmt::format("{:02X}{:02X}", node.sent.tag[0], node.sent.tag[1]), text);
-    add_line("code page", codepage_text(node.codepage), text);
-    add_line("as sent", hex_of(node.sent, " "), text);
-    add_line("converted", node.is_readable() ? hex_of(node.converted, " ") : status_text(node.conversion), text);
-  }
-  add_line("status", status_text(asked.result), text);
+std::string text_of(const node_answer& answer) {
+  std::string text = fmt::format("{} 0x{:08X}\n", vswitch::interface_name(answer.if_index), answer.if_index);
+  if (answer.node) add_node(*answer.node, text);
+  add_line("status", inspect::status_text(answer.status), text);
   return text;
 }
 
-void print_nodes(const command_context& context, const std::vector<asked_node>& nodes) {
-  result_document document{rnid_columns(), {}};
+void print_nodes(const command_context& context, const std::vector<node_answer>& answers) {
+  result_document document{node_answer_columns(), {}};
   std::string text;
-  for (const auto& asked : nodes) {
-    document.add(rnid_cells(asked));
-    text += (text.empty() ? "" : "\n") + text_of(asked);
+  for (const auto& answer : answers) {
+    document.add(node_answer_cells(answer));
+    text += (text.empty() ? "" : "\n") + text_of(answer);
   }
   if (context.style.format == output_format::table)
     context.results.write(text);
@@ -157,67 +121,47 @@ void print_nodes(const command_context& context, const std::vector<asked_node>& 
     context.print(document);
 }
 
-exit_code code_of(bool all_well, bool any) {
-  return all_well && any ? kFound : kNotFound;
+// Whether there are answers, and all of them are good.
+template <typename answer, typename check>
+exit_code code_of(const std::vector<answer>& answers, check is_good) {
+  return !answers.empty() && std::all_of(answers.begin(), answers.end(), is_good) ? kFound : kNotFound;
 }
 
 } // namespace
 
 exit_code ask_portmap(const command_context& context, const ask_options& options) {
-  manager_client manager(managed_folder(context), options.timeout_seconds);
-  result_document document{{{"interface", "INTERFACE"},
-                            {"if_index", "IF-INDEX", 8, true},
-                            {"pn", "PN", 2},
-                            {"pa", "PA", 2, true},
-                            {"status", "STATUS"}},
-                           {}};
-  bool all_well = true;
-  for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces))
-    if (!add_numbers(manager, if_index, document)) all_well = false;
-  context.print(document);
-  return code_of(all_well, !document.rows.empty());
+  inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
+  std::vector<port_map_answer> answers;
+  for (uint32_t if_index : inspect::parse_interfaces(manager.chassis(), options.interfaces))
+    answers.push_back(inspect::ask_port_map(manager, if_index));
+  context.print(document_of<port_map_answer>(kPortMapColumns, answers));
+  return code_of(answers, [](const auto& answer) { return answer.is_whole(); });
 }
 
 exit_code ask_vsans(const command_context& context, const ask_options& options) {
-  manager_client manager(managed_folder(context), options.timeout_seconds);
-  auto answer = manager.ask([](msgq* handle, uintptr_t send_arg) {
-    return static_cast<uint32_t>(ficon_send_get_enabled_vsans(handle, send_arg));
-  });
-  result_document document{{{"vsan", "VSAN"}, {"name", "NAME"}}, {}};
-  for (uint16_t vsan : enabled_vsans(answer.get())) document.add({int64_t{vsan}, name_of_vsan(manager.chassis(), vsan)});
-  context.print(document);
-  return code_of(true, !document.rows.empty());
+  inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
+  const auto vsans = inspect::ask_enabled_vsans(manager);
+  context.print(document_of<enabled_vsan>(kVsanColumns, vsans));
+  return vsans.empty() ? kNotFound : kFound;
 }
 
 exit_code ask_vsan_state(const command_context& context, const ask_options& options) {
-  manager_client manager(managed_folder(context), options.timeout_seconds);
-  result_document document{{{"interface", "INTERFACE"},
-                            {"if_index", "IF-INDEX", 8, true},
-                            {"vsan", "VSAN"},
-                            {"member", "MEMBER"},
-                            {"bound", "BOUND"},
-                            {"state", "", 0, false, column::data_only},
-                            {"status", "STATUS"}},
-                           {}};
-  const auto vsans = parse_numbers(kVsan, {options.vsans}, vsans_of(manager.chassis()));
-  bool all_well = true;
-  for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces))
-    for (uint32_t vsan : vsans)
-      if (!add_state(manager, if_index, vsan, document)) all_well = false;
-  context.print(document);
-  return code_of(all_well, !document.rows.empty());
+  inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
+  const auto vsans = inspect::parse_numbers(inspect::kVsan, {options.vsans}, inspect::vsans_of(manager.chassis()));
+  std::vector<vsan_state_answer> answers;
+  for (uint32_t if_index : inspect::parse_interfaces(manager.chassis(), options.interfaces))
+    for (uint32_t vsan : vsans) answers.push_back(inspect::ask_vsan_state(manager, if_index, vsan));
+  context.print(document_of<vsan_state_answer>(kVsanStateColumns, answers));
+  return code_of(answers, [](const auto& answer) { return answer.status == 0; });
 }
 
 exit_code ask_rnid(const command_context& context, const ask_options& options) {
-  manager_client manager(managed_folder(context), options.timeout_seconds);
-  std::vector<asked_node> nodes;
-  bool all_well = true;
-  for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces)) {
-    nodes.push_back(ask_for_node(manager, if_index));
-    if (nodes.back().result != 0 || !nodes.back().node.is_readable()) all_well = false;
-  }
-  print_nodes(context, nodes);
-  return code_of(all_well, !nodes.empty());
+  inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
+  std::vector<node_answer> answers;
+  for (uint32_t if_index : inspect::parse_interfaces(manager.chassis(), options.interfaces))
+    answers.push_back(inspect::ask_node(manager, if_index));
+  print_nodes(context, answers);
+  return code_of(answers, [](const auto& answer) { return answer.is_readable(); });
 }
 
 // ---- The commands ----

@@ -15,7 +15,7 @@ namespace chnsw_tool {
 struct ask_options {
   std::vector<std::string> interfaces; // as in "fc3/1-48"; not of every question
   std::string vsans;                   // of vsan-state
-  double timeout_seconds = kUsualTimeoutSeconds;
+  double timeout_seconds = inspect::kUsualTimeoutSeconds;
 };
 
 exit_code ask_portmap(const command_context& context, const ask_options& options);

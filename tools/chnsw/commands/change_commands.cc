@@ -1,204 +1,89 @@
-// create and set: everything that writes to a switch's folder.
+// create and set: everything that writes to a switch's folder, but for its time references.
 #include "commands/change_commands.h"
 
 #include <fmt/format.h>
 
-#include "commands/tod_command.h"
-
-#include <algorithm>
 #include <functional>
 
-#include "inspect/chassis/switch_differences.h"
-#include "inspect/words/target_numbers.h"
-#include "vswitch/interface_index.h"
-#include "vswitch/switch_store.h"
+#include "commands/tod_command.h"
+#include "inspect/chassis/switch_changes.h"
+#include "output/difference_columns.h"
+#include "output/record_table.h"
 
 namespace chnsw_tool {
 
 namespace {
 
 using vswitch::chassis_description;
-using vswitch::port_map;
 
-constexpr char kNone[] = "none";
-constexpr number_kind kTableNumber = {"port number", 10, 0, 255, "240"};
-constexpr number_kind kTableAddress = {"port address", 16, 0, 0xFF, "C0"};
-constexpr number_kind kRealVsan = {"VSAN", 10, 1, 4095, "10 or 10,20"};
-
-uint16_t number_or_none(const number_kind& kind, const std::string& word) {
-  if (word == kNone) return FICON_PMAP_NO_NUMBER;
-  const uint32_t number = parse_number(kind, word);
-  if (number == FICON_PMAP_NO_NUMBER)
-    throw question_error(fmt::format("{} \"{}\" is {}, which the port map takes for no number; write {} if you mean that",
-                                     kind.what, word, number, kNone));
-  return static_cast<uint16_t>(number);
-}
-
-// Prints what was done; that it was done is told even when the result cannot be.
+// Prints what was done. When that cannot be written, a notice says that it was done all the same.
 void print_done(const command_context& context, const result_document& document, const std::string& what) {
   try {
     context.print(document);
-  } catch (const error&) {
+  } catch (const inspect::error&) {
     notice(what);
     throw;
   }
 }
 
-std::vector<uint32_t> vsans_or_none(const std::string& word) {
-  if (word == kNone) return {};
-  auto vsans = parse_numbers(kRealVsan, {word}, {});
-  if (vsans.empty() || vsans.size() > FICON_PMAP_VSAN_SLOTS)
-    throw question_error(fmt::format("VSANs \"{}\": found {}; a port is bound to 1 to {} VSANs, or none", word,
-                                     vsans.size(), int{FICON_PMAP_VSAN_SLOTS}));
-  return vsans;
-}
-
-// "fc3/5", or a bare port map index.
-uint32_t place_of(const chassis_description& chassis, const std::string& where) {
-  constexpr number_kind kPlace = {"port", 10, 0, FICON_PMAP_PORT_ENTRIES - 1, "fc3/5, or 1024 for a port map index"};
-  if (!where.starts_with("fc")) return parse_number(kPlace, where);
-  auto port = vswitch::fc_port_of(parse_interface(where));
-  if (!port)
-    throw question_error(
-        fmt::format("port \"{}\" is not a physical port; name it like fc3/5, or by its port map index", where));
-  if (!vswitch::has_port(chassis, port->slot, port->port))
-    throw question_error(fmt::format("port {} is not there; chnsw info lists the cards and their ports", where));
-  auto index = vswitch::port_map_index(chassis, port->slot, port->port);
-  if (!index) throw question_error(fmt::format("port {} has no place in the port map, which ends before it", where));
-  return *index;
-}
-
-// The table of addresses follows the ports as long as it says what they say; one that was set by hand is left alone.
-void edit_ports(port_map& map, const std::function<void(port_map&)>& edit) {
-  bool follows = map.pa_to_pn == vswitch::addresses_of_ports(map);
-  edit(map);
-  if (follows) map.pa_to_pn = vswitch::addresses_of_ports(map);
-}
-
-// A change that changes nothing: thrown out of the transaction, so that the change counter stays.
-struct nothing_to_change {};
-
-struct applied_change {
-  chassis_description before;
-  chassis_description after;
-  uint32_t change_counter = 0;
-};
-
-applied_change apply_edit(vswitch::switch_store& store, const std::function<void(port_map&)>& edit) {
-  applied_change change;
-  change.before = store.describe();
-  change.after = change.before;
-  change.change_counter = change.before.change_counter;
-  try {
-    change.change_counter = store.change_map([&](port_map& map) {
-      change.before.map = map;
-      edit(map);
-      change.after.map = map;
-      if (change.after.map == change.before.map) throw nothing_to_change();
-    });
-  } catch (const nothing_to_change&) {
-    notice("nothing to change: the switch holds these values already");
-  }
-  return change;
-}
-
-exit_code print_change(const command_context& context, const applied_change& change) {
-  result_document document{{{"change_counter", "CHANGE"}}, {}};
-  add_difference_columns("BEFORE", "AFTER", document.columns);
-  for (const auto& found : differences(change.before, change.after)) {
-    document.add({int64_t{change.change_counter}});
-    add_difference_cells(found, document.rows.back().cells);
-  }
-  const bool changed = !(change.before.map == change.after.map);
-  print_done(context, document,
-             changed ? fmt::format("the change was made, the change counter is {}", change.change_counter)
-                     : "nothing was changed");
+exit_code print_change(const command_context& context, const inspect::map_change& change) {
+  if (!change.changed) notice(kNothingToChange);
+  print_done(context, change_document(change.change_counter, change.differences),
+             change.changed ? fmt::format("the change was made, the change counter is {}", change.change_counter)
+                            : "nothing was changed");
   return kFound;
 }
 
-// Opens the folder, applies the edit that make_edit finds for it, and prints what changed.
 exit_code change_folder(const command_context& context,
-                        const std::function<std::function<void(port_map&)>(const chassis_description&)>& make_edit) {
-  const std::string& folder = context.named_folder("edit the file, or make a folder of it with chnsw create");
-  try {
-    auto store = vswitch::switch_store::open(folder);
-    return print_change(context, apply_edit(*store, make_edit(store->describe())));
-  } catch (const vswitch::switch_error& error) {
-    throw platform_error(error.what());
-  }
+                        const std::function<inspect::port_map_edit(const chassis_description&)>& make_edit) {
+  return print_change(context, inspect::change_map(context.named_folder(kChangesNeedFolder), make_edit));
 }
+
+// ---- create ----
+
+struct created_switch {
+  const create_options& options;
+  chassis_description chassis;
+};
+
+int64_t ports_of(const chassis_description& chassis) {
+  int64_t ports = 0;
+  for (const auto& card : chassis.line_cards) ports += card.ports;
+  return ports;
+}
+
+const record_column<created_switch> kCreatedColumns[] = {
+    {{"switch", "SWITCH"}, [](const created_switch& made) -> cell { return made.options.folder; }},
+    {{"from", "FROM"}, [](const created_switch& made) -> cell { return made.options.from; }},
+    {{"name", "NAME"}, [](const created_switch& made) -> cell { return made.chassis.name; }},
+    {{"slots", "SLOTS"}, [](const created_switch& made) -> cell { return int64_t{made.chassis.slots()}; }},
+    {{"type", "TYPE"}, [](const created_switch& made) -> cell { return int64_t{made.chassis.type}; }},
+    {{"ports", "PORTS"}, [](const created_switch& made) -> cell { return ports_of(made.chassis); }},
+    {{"change_counter", "CHANGE"}, [](const created_switch& made) -> cell { return int64_t{made.chassis.change_counter}; }},
+};
 
 } // namespace
 
 exit_code create_switch(const command_context& context, const create_options& options) {
-  opened_switch opened = open_switch(options.from);
-  chassis_description made;
-  try {
-    vswitch::switch_store::create(options.folder, opened.chassis);
-    made = vswitch::switch_store::open(options.folder)->describe();
-  } catch (const vswitch::switch_error& error) {
-    throw platform_error(error.what());
-  }
-  int64_t ports = 0;
-  for (const auto& card : made.line_cards) ports += card.ports;
-  result_document document{{{"switch", "SWITCH"},
-                            {"from", "FROM"},
-                            {"name", "NAME"},
-                            {"slots", "SLOTS"},
-                            {"type", "TYPE"},
-                            {"ports", "PORTS"},
-                            {"change_counter", "CHANGE"}},
-                           {}};
-  document.add({options.folder, options.from, made.name, int64_t{made.slots()}, int64_t{made.type}, ports,
-                int64_t{made.change_counter}});
-  print_done(context, document, fmt::format("{} was made", options.folder));
+  const inspect::opened_switch opened = inspect::open_switch(options.from);
+  const created_switch made{options, inspect::create_folder(options.folder, opened.chassis)};
+  print_done(context, document_of<created_switch>(kCreatedColumns, {made}), fmt::format("{} was made", options.folder));
   return kFound;
 }
 
 exit_code set_port(const command_context& context, const set_port_options& options) {
   if (!options.pn && !options.pa && !options.vsans && !options.vsan)
-    throw question_error("nothing to set; give --pn, --pa, --vsans or --vsan");
-  return change_folder(context, [&](const chassis_description& chassis) -> std::function<void(port_map&)> {
-    uint32_t index = place_of(chassis, options.where);
-    ficon_pmap_port_entry values{};
-    if (options.pn) values.pn = number_or_none(kPortNumber, *options.pn);
-    if (options.pa) values.pa = number_or_none(kPortAddress, *options.pa);
-    auto vsans = options.vsans ? vsans_or_none(*options.vsans) : std::vector<uint32_t>();
-    std::copy(vsans.begin(), vsans.end(), values.vsans);
-    uint16_t vsan = 0;
-    if (options.vsan && *options.vsan != kNone) vsan = static_cast<uint16_t>(parse_number(kRealVsan, *options.vsan));
-    return [=](port_map& whole) {
-      edit_ports(whole, [&](port_map& map) {
-        auto& entry = map.port_to_pn[index];
-        if (options.pn) entry.pn = values.pn;
-        if (options.pa) entry.pa = values.pa;
-        if (options.vsans) std::copy(std::begin(values.vsans), std::end(values.vsans), entry.vsans);
-        if (options.vsan) map.port_to_vsan[index] = vsan;
-      });
-    };
-  });
+    throw inspect::question_error("nothing to set; give --pn, --pa, --vsans or --vsan");
+  return change_folder(context, [&](const auto& chassis) { return inspect::edit_of_port(chassis, options); });
 }
 
 exit_code set_binding(const command_context& context, const set_binding_options& options) {
-  return change_folder(context, [&](const chassis_description& chassis) -> std::function<void(port_map&)> {
-    uint32_t pn = parse_number(kTableNumber, options.pn);
-    uint32_t interface = options.interface == kNone ? 0 : parse_interface(options.interface);
-    auto port = vswitch::fc_port_of(interface);
-    bool there = port ? vswitch::has_port(chassis, port->slot, port->port)
-                      : std::any_of(chassis.interfaces.begin(), chassis.interfaces.end(),
-                                    [&](const auto& known) { return known.if_index == interface; });
-    if (interface != 0 && !there)
-      throw question_error(fmt::format("there is no {}; chnsw info lists cards and logical interfaces", options.interface));
-    return [=](port_map& map) { map.pn_to_if[pn] = interface; };
-  });
+  return change_folder(
+      context, [&](const auto& chassis) { return inspect::edit_of_binding(chassis, options.pn, options.interface); });
 }
 
 exit_code set_address(const command_context& context, const set_address_options& options) {
-  return change_folder(context, [&](const chassis_description&) -> std::function<void(port_map&)> {
-    uint32_t pa = parse_number(kTableAddress, options.pa);
-    uint16_t pn = number_or_none(kPortNumber, options.pn);
-    return [=](port_map& map) { map.pa_to_pn[pa] = pn; };
-  });
+  return change_folder(context, [&](const auto&) { return inspect::edit_of_address(options.pa, options.pn); });
 }
 
 // ---- The commands ----

@@ -2,13 +2,12 @@
 #ifndef CHNSW_CHANGE_COMMANDS_H
 #define CHNSW_CHANGE_COMMANDS_H
 
-#include <optional>
 #include <string>
-#include <vector>
 
 #include "command_context.h"
 #include "commands/command.h"
 #include "exit_code.h"
+#include "inspect/chassis/port_map_edit.h"
 
 namespace chnsw_tool {
 
@@ -17,14 +16,7 @@ struct create_options {
   std::string from;
 };
 
-// New values; no value leaves the old one, "none" takes it away.
-struct set_port_options {
-  std::string where; // an interface like fc3/5, or a port map index
-  std::optional<std::string> pn;
-  std::optional<std::string> pa;
-  std::optional<std::string> vsans;
-  std::optional<std::string> vsan;
-};
+using set_port_options = inspect::new_port_values;
 
 struct set_binding_options {
   std::string pn;

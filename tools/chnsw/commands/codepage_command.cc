@@ -1,80 +1,59 @@
 #include "commands/codepage_command.h"
-#include "inspect/words/printable_text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 
+#include "inspect/mainframe/code_page.h"
 #include "inspect/mainframe/host_text.h"
 #include "inspect/messages/hex_text.h"
-#include "inspect/words/target_numbers.h"
+#include "inspect/words/printable_text.h"
 #include "libchnsw.h"
+#include "output/record_table.h"
+#include "standard_input.h"
 
 namespace chnsw_tool {
 
 namespace {
 
-constexpr char kHostSubstitute = 0x3F;
-constexpr char kSwitchSubstitute = 0x1A;
-constexpr number_kind kCodepage = {"code page", 10, 0, 65535, "37 or 37,500"};
-
-std::string all_bytes() {
-  std::string bytes;
-  for (unsigned byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
-  return bytes;
-}
-
-// Whether a host's byte stands for no character of the switch's, so that SUB had to take its place; and the other way round.
-bool is_missing(uint32_t page, char host, char latin1) {
-  return page != FICON_CODEPAGE_ASCII && latin1 == kSwitchSubstitute && host != kHostSubstitute;
-}
-bool is_missing_on_host(uint32_t page, char latin1, char host) {
-  return page != FICON_CODEPAGE_ASCII && host == kHostSubstitute && latin1 != kSwitchSubstitute;
-}
+using inspect::code_page;
+using inspect::converted_text;
 
 cell name_of(uint32_t codepage) {
   return std::string(ficon_get_codepage_name(codepage));
 }
 
-std::vector<uint32_t> pages_of(const std::vector<std::string>& words) {
-  const auto known = known_codepages();
-  auto pages = parse_numbers(kCodepage, words, known);
-  for (uint32_t page : pages)
-    if (std::find(known.begin(), known.end(), page) == known.end())
-      throw question_error(
-          fmt::format("the library knows no code page {}; it knows {}", page, fmt::join(known.begin(), known.end(), ", ")));
-  return pages;
+std::string utf8_of(char latin1) {
+  return inspect::utf8_of_latin1({&latin1, 1});
 }
 
 // ---- The pages ----
 
-// The places where the pages differ most, which tell them apart at a glance.
-constexpr std::string_view kTellingPlaces = "\x4A\x4F\x5A\x5B\x5F\x7B\x7C\xA1\xC0\xD0\xE0";
+// The places where the pages differ most.
+constexpr std::string_view kDistinctivePlaces = "\x4A\x4F\x5A\x5B\x5F\x7B\x7C\xA1\xC0\xD0\xE0";
 
-std::string telling_characters(uint32_t page) {
+std::string distinctive_characters(const code_page& page) {
   std::string text;
-  const std::string characters = from_host(page, std::string(kTellingPlaces));
-  for (size_t n = 0; n < characters.size(); ++n) {
-    const bool missing = is_missing(page, kTellingPlaces[n], characters[n]);
-    text += (n == 0 ? "" : "  ") + (missing ? "-" : utf8_of_latin1({&characters[n], 1}));
+  for (char place : kDistinctivePlaces) {
+    const auto latin1 = page.latin1[static_cast<unsigned char>(place)];
+    text += (text.empty() ? "" : "  ") + (latin1 ? utf8_of(*latin1) : "-");
   }
   return text;
 }
 
+std::vector<record_column<code_page>> page_columns() {
+  return {
+      {{"codepage", "CODE PAGE"}, [](const code_page& page) -> cell { return int64_t{page.codepage}; }},
+      {{"name", "NAME"}, [](const code_page& page) { return name_of(page.codepage); }},
+      {{"characters", "CHARACTERS"}, [](const code_page& page) -> cell { return static_cast<int64_t>(page.characters()); }},
+      {{"distinctive", inspect::hex_text(kDistinctivePlaces, 1), 0, false, column::table_only},
+       [](const code_page& page) -> cell { return distinctive_characters(page); }}};
+}
+
 exit_code list_pages(const command_context& context) {
-  result_document document{{{"codepage", "CODE PAGE"},
-                            {"name", "NAME"},
-                            {"characters", "CHARACTERS"},
-                            {"telling", hex_text(kTellingPlaces, 1), 0, false, column::table_only}},
-                           {}};
-  for (uint32_t page : known_codepages()) {
-    const std::string characters = from_host(page, all_bytes());
-    int64_t there = 0;
-    for (unsigned host = 0; host < 256; ++host)
-      there += is_missing(page, static_cast<char>(host), characters[host]) ? 0 : 1;
-    document.add({int64_t{page}, name_of(page), there, telling_characters(page)});
-  }
-  context.print(document);
+  std::vector<code_page> pages;
+  for (uint32_t codepage : inspect::known_codepages()) pages.push_back(inspect::code_page_of(codepage));
+  context.print(document_of<code_page>(page_columns(), pages));
   return kFound;
 }
 
@@ -86,133 +65,117 @@ bool is_graphic(char latin1) {
 }
 
 // What stands in a place of the picture: a character as it is, any other by its number in the switch's text.
-std::string place_text(uint32_t page, unsigned host, char latin1, bool colour) {
-  if (is_missing(page, static_cast<char>(host), latin1)) return coloured("--", tone::faint, colour);
-  if (is_graphic(latin1)) return " " + utf8_of_latin1({&latin1, 1});
-  return coloured(hex_text({&latin1, 1}), tone::faint, colour);
+std::string place_text(const std::optional<char>& latin1, bool colour) {
+  if (!latin1) return coloured("--", tone::faint, colour);
+  if (is_graphic(*latin1)) return " " + utf8_of(*latin1);
+  return coloured(inspect::hex_text({&*latin1, 1}), tone::faint, colour);
 }
 
-std::string picture_of(uint32_t page, bool colour) {
-  const std::string characters = from_host(page, all_bytes());
-  std::string text = fmt::format("code page {} {}\n\n     ", page, ficon_get_codepage_name(page));
+std::string picture_of(const code_page& page, bool colour) {
+  std::string text = fmt::format("code page {} {}\n\n     ", page.codepage, ficon_get_codepage_name(page.codepage));
   for (unsigned low = 0; low < 16; ++low) text += fmt::format(" x{:X}", low);
   for (unsigned host = 0; host < 256; ++host) {
     if (host % 16 == 0) text += fmt::format("\n  {:X}x ", host / 16);
-    text += " " + place_text(page, host, characters[host], colour);
+    text += " " + place_text(page.latin1[host], colour);
   }
   return text + "\n";
 }
 
-std::vector<column> place_columns() {
-  return {{"codepage", "CODE PAGE"}, {"name", "NAME"}, {"byte", "BYTE", 2}, {"latin1", "ISO 8859-1", 2}, {"text", "TEXT"}};
-}
+// A byte of a host's, and what it is on the switch.
+struct page_place {
+  uint32_t codepage;
+  unsigned host;
+  std::optional<char> latin1;
+};
 
-void add_places(uint32_t page, result_document& document) {
-  const std::string characters = from_host(page, all_bytes());
-  for (unsigned host = 0; host < 256; ++host) {
-    const char latin1 = characters[host];
-    if (is_missing(page, static_cast<char>(host), latin1))
-      document.add({int64_t{page}, name_of(page), int64_t{host}, {}, {}});
-    else
-      document.add({int64_t{page}, name_of(page), int64_t{host}, int64_t{static_cast<unsigned char>(latin1)},
-                    utf8_of_latin1({&latin1, 1})});
-  }
-}
+const record_column<page_place> kPlaceColumns[] = {
+    {{"codepage", "CODE PAGE"}, [](const page_place& place) -> cell { return int64_t{place.codepage}; }},
+    {{"name", "NAME"}, [](const page_place& place) { return name_of(place.codepage); }},
+    {{"byte", "BYTE", 2}, [](const page_place& place) -> cell { return int64_t{place.host}; }},
+    {{"latin1", "ISO 8859-1", 2},
+     [](const page_place& place) {
+       return place.latin1 ? cell(int64_t{static_cast<unsigned char>(*place.latin1)}) : cell();
+     }},
+    {{"text", "TEXT"}, [](const page_place& place) { return place.latin1 ? cell(utf8_of(*place.latin1)) : cell(); }},
+};
 
-exit_code show_pages(const command_context& context, const std::vector<uint32_t>& pages) {
-  result_document document{place_columns(), {}};
+exit_code show_pages(const command_context& context, const std::vector<uint32_t>& codepages) {
+  std::vector<page_place> places;
   std::string pictures;
-  for (uint32_t page : pages) {
-    add_places(page, document);
+  for (uint32_t codepage : codepages) {
+    const code_page page = inspect::code_page_of(codepage);
+    for (unsigned host = 0; host < page.latin1.size(); ++host) places.push_back({codepage, host, page.latin1[host]});
     pictures += (pictures.empty() ? "" : "\n") + picture_of(page, context.style.colour);
   }
   if (context.style.format == output_format::table)
     context.results.write(pictures);
   else
-    context.print(document);
+    context.print(document_of<page_place>(kPlaceColumns, places));
   return kFound;
 }
 
 // ---- Text ----
 
-std::vector<column> text_columns() {
-  return {{"codepage", "CODE PAGE"},
-          {"name", "", 0, false, column::data_only},
-          {"text", "TEXT"},
-          {"bytes", "", 0, false, column::data_only},
-          {"bytes_text", "BYTES", 0, false, column::table_only},
-          {"substituted", "SUBSTITUTED"}};
-}
+const record_column<converted_text> kTextColumns[] = {
+    {{"codepage", "CODE PAGE"}, [](const converted_text& text) -> cell { return int64_t{text.codepage}; }},
+    {{"name", "", 0, false, column::data_only}, [](const converted_text& text) { return name_of(text.codepage); }},
+    {{"text", "TEXT"}, [](const converted_text& text) -> cell { return inspect::utf8_of_latin1(text.latin1); }},
+    {{"bytes", "", 0, false, column::data_only},
+     [](const converted_text& text) -> cell { return inspect::hex_text(text.host); }},
+    {{"bytes_text", "BYTES", 0, false, column::table_only},
+     [](const converted_text& text) -> cell { return inspect::hex_text(text.host, 1); }},
+    {{"substituted", "SUBSTITUTED"},
+     [](const converted_text& text) -> cell { return static_cast<int64_t>(text.substituted); }},
+};
 
-void add_text(uint32_t page, const std::string& latin1, const std::string& host, int64_t substitutes,
-              result_document& document) {
-  document.add({int64_t{page}, name_of(page), utf8_of_latin1(latin1), hex_text(host), hex_text(host, 1), substitutes});
-}
-
-int64_t missing_in(uint32_t page, const std::string& before, const std::string& after,
-                   bool (*missing)(uint32_t, char, char)) {
-  int64_t count = 0;
-  for (size_t n = 0; n < before.size(); ++n) count += missing(page, before[n], after[n]) ? 1 : 0;
-  return count;
-}
-
-bool any_substituted(const result_document& document) {
-  return std::any_of(document.rows.begin(), document.rows.end(),
-                     [](const auto& row) { return std::get<int64_t>(row.cells.back()) != 0; });
-}
-
-// "-" stands for the lines of standard input.
+// Standard input stands for its lines.
 std::vector<std::string> lines_of(const std::vector<std::string>& words) {
   std::vector<std::string> lines;
   for (const auto& word : words) {
-    if (word != "-") {
+    if (word != kStandardInput) {
       lines.push_back(word);
       continue;
     }
-    std::string_view rest;
-    const std::string all = read_all(stdin);
-    for (rest = all; !rest.empty(); rest.remove_prefix(std::min(rest.size(), lines.back().size() + 1)))
+    const std::string all = read_all_input();
+    for (std::string_view rest = all; !rest.empty(); rest.remove_prefix(std::min(rest.size(), lines.back().size() + 1)))
       lines.emplace_back(rest.substr(0, rest.find('\n')));
   }
   return lines;
 }
 
-exit_code convert_texts(const command_context& context, const std::vector<uint32_t>& pages,
-                        const codepage_options& options) {
-  result_document document{text_columns(), {}};
-  for (const auto& word : lines_of(options.to_host)) {
-    const std::string text = latin1_of_utf8(word, "text");
-    for (uint32_t page : pages) {
-      const std::string host = to_host(page, text);
-      add_text(page, text, host, missing_in(page, text, host, is_missing_on_host), document);
-    }
+std::vector<converted_text> texts_to_host(const std::vector<uint32_t>& codepages, const codepage_options& options) {
+  std::vector<converted_text> texts;
+  for (const auto& line : lines_of(options.to_host)) {
+    const std::string latin1 = inspect::latin1_of_utf8(line, "text");
+    for (uint32_t codepage : codepages) texts.push_back(inspect::text_to_host(codepage, latin1));
   }
-  context.print(document);
-  return any_substituted(document) ? kNotFound : kFound;
+  return texts;
 }
 
-exit_code convert_bytes(const command_context& context, const std::vector<uint32_t>& pages,
-                        const codepage_options& options) {
-  result_document document{text_columns(), {}};
-  const std::string host = parse_hex(options.from_host, stdin);
-  for (uint32_t page : pages) {
-    const std::string text = from_host(page, host);
-    add_text(page, text, host, missing_in(page, host, text, is_missing), document);
-  }
-  context.print(document);
-  return any_substituted(document) ? kNotFound : kFound;
+std::vector<converted_text> texts_from_host(const std::vector<uint32_t>& codepages, const codepage_options& options) {
+  std::vector<converted_text> texts;
+  const std::string host = bytes_of_words(options.from_host);
+  for (uint32_t codepage : codepages) texts.push_back(inspect::text_from_host(codepage, host));
+  return texts;
+}
+
+exit_code print_texts(const command_context& context, const std::vector<converted_text>& texts) {
+  context.print(document_of<converted_text>(kTextColumns, texts));
+  const bool any = std::any_of(texts.begin(), texts.end(), [](const auto& text) { return text.substituted != 0; });
+  return any ? kNotFound : kFound;
 }
 
 } // namespace
 
 exit_code show_codepages(const command_context& context, const codepage_options& options) {
   const bool converts = !options.to_host.empty() || !options.from_host.empty();
-  if (options.pages.empty() && converts) throw question_error("name the code page of the text, as in chnsw codepage 37");
+  if (options.pages.empty() && converts)
+    throw inspect::question_error("name the code page of the text, as in chnsw codepage 37");
   if (options.pages.empty()) return list_pages(context);
-  const auto pages = pages_of(options.pages);
-  if (!options.to_host.empty()) return convert_texts(context, pages, options);
-  if (!options.from_host.empty()) return convert_bytes(context, pages, options);
-  return show_pages(context, pages);
+  const auto codepages = inspect::parse_codepages(options.pages);
+  if (!options.to_host.empty()) return print_texts(context, texts_to_host(codepages, options));
+  if (!options.from_host.empty()) return print_texts(context, texts_from_host(codepages, options));
+  return show_pages(context, codepages);
 }
 
 // ---- The command ----

@@ -1,18 +1,14 @@
 #include "commands/diff_command.h"
 
 #include "inspect/chassis/switch_differences.h"
+#include "output/difference_columns.h"
 
 namespace chnsw_tool {
 
 exit_code show_diff(const command_context& context, const diff_options& options) {
-  opened_switch a = open_switch(options.a);
-  opened_switch b = open_switch(options.b);
-  result_document document;
-  add_difference_columns("A", "B", document.columns);
-  for (const auto& found : differences(a.chassis, b.chassis)) {
-    document.rows.emplace_back();
-    add_difference_cells(found, document.rows.back().cells);
-  }
+  const inspect::opened_switch a = inspect::open_switch(options.a);
+  const inspect::opened_switch b = inspect::open_switch(options.b);
+  const auto document = difference_document("A", "B", inspect::differences(a.chassis, b.chassis));
   context.print(document);
   return document.rows.empty() ? kFound : kNotFound;
 }

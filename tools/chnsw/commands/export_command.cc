@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 
 #include "commands/map_commands.h"
-#include "inspect/chassis/node_record.h"
 #include "inspect/port_map/port_map_walk.h"
+#include "output/node_records.h"
 #include "vswitch/chassis_file.h"
 #include "vswitch/interface_index.h"
 
@@ -30,7 +30,7 @@ void add_interface(uint32_t if_index, ordered_json& object) {
 
 bool holds_anything(const vswitch::port_map& map, unsigned index) {
   const auto& entry = map.port_to_pn[index];
-  return entry.pn != FICON_PMAP_NO_NUMBER || entry.pa != FICON_PMAP_NO_NUMBER || is_bound(entry) ||
+  return entry.pn != FICON_PMAP_NO_NUMBER || entry.pa != FICON_PMAP_NO_NUMBER || inspect::is_bound(entry) ||
          map.port_to_vsan[index] != 0;
 }
 
@@ -43,7 +43,7 @@ ordered_json entries_of(const vswitch::chassis_description& chassis) {
     add_interface(vswitch::port_at_index(chassis, index).value_or(0), object);
     add_number("pn", entry.pn, FICON_PMAP_NO_NUMBER, 2, object);
     add_number("pa", entry.pa, FICON_PMAP_NO_NUMBER, 2, object);
-    object["vsans"] = bound_vsans(entry);
+    object["vsans"] = inspect::bound_vsans(entry);
     uint16_t vsan = chassis.map.port_to_vsan[index];
     object["port_vsan"] = vsan == 0 ? ordered_json() : ordered_json(vsan);
     entries.push_back(object);
@@ -128,11 +128,11 @@ std::string as_json(const vswitch::chassis_description& chassis, int indent) {
 exit_code export_switch(const command_context& context, const export_options& options) {
   const output_format format = context.style.format;
   if (options.to == "csv" || (options.to.empty() && format == output_format::csv)) {
-    library_session session = context.open_session();
+    inspect::library_session session = context.open_session();
     context.results.write(render(map_document(session, indexes_in_use(session)), {output_format::csv, false}));
     return kFound;
   }
-  opened_switch opened = open_switch(context.named_switch());
+  const inspect::opened_switch opened = inspect::open_switch(context.named_switch());
   bool json = options.to == "json" || (options.to.empty() && format != output_format::table);
   context.results.write(json ? as_json(opened.chassis, format == output_format::jsonl ? -1 : 2)
                              : vswitch::write_chassis_file(opened.chassis));

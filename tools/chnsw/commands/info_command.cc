@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "inspect/chassis/node_record.h"
+#include "output/node_records.h"
 #include "output/port_row.h"
 #include "vswitch/interface_index.h"
 

@@ -58,7 +58,7 @@ exit_code serve_folder(const command_context& context, const manager_command_opt
     vswitch::use_switch(vswitch::switch_store::open(folder));
     vswitch::run_manager(manager);
   } catch (const vswitch::switch_error& error) {
-    throw platform_error(error.what());
+    throw inspect::platform_error(error.what());
   }
   notice("ended");
   return kFound;

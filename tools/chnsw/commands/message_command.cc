@@ -2,51 +2,68 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <optional>
 
 #include "inspect/messages/hex_text.h"
 #include "inspect/messages/message_record.h"
 #include "inspect/messages/message_table.h"
+#include "inspect/messages/tlv_value.h"
 #include "output/port_row.h"
+#include "output/record_table.h"
+#include "standard_input.h"
 
 namespace chnsw_tool {
 
 namespace {
+
+using inspect::byte_order;
+using inspect::field_value;
+using inspect::message_field;
+using inspect::message_framing;
+using inspect::message_kind;
 
 constexpr size_t kShownBytes = 16; // in a table; data has all
 constexpr size_t kLineBytes = 32;
 
 // ---- Kinds and fields ----
 
-std::vector<column> kind_columns() {
-  return {{"kind", "KIND"},
-          {"opcode", "OPCODE"},
-          {"payload", "PAYLOAD"},
-          {"offset", "OFFSET"},
-          {"length", "LENGTH"},
-          {"field", "FIELD"},
-          {"takes", "TAKES", 0, false, column::data_only},
-          {"what", "WHAT"}};
+// A field of a kind; or the kind itself.
+struct listed_field {
+  const message_kind& kind;
+  const message_field* field;
+};
+
+cell length_cell(size_t length) {
+  return known_cell(length != 0, static_cast<int64_t>(length));
 }
 
-void add_kind(const message_kind& kind, result_document& document) {
-  const cell name = std::string(kind.name);
-  const cell opcode = std::string(kind.opcodes);
-  document.add({name,
-                opcode,
-                framing_text(kind),
-                {},
-                known_cell(kind.size != 0, static_cast<int64_t>(kind.size)),
-                {},
-                {},
-                toned_text{std::string(kind.what), tone::strong}});
-  for (const auto& field : kind.fields)
-    document.add({name, opcode, framing_text(kind), static_cast<int64_t>(field.offset),
-                  known_cell(field.length != 0, static_cast<int64_t>(field.length)), std::string(field.name),
-                  std::string(form_text(field.form)), std::string(field.what)});
+const record_column<listed_field> kKindColumns[] = {
+    {{"kind", "KIND"}, [](const listed_field& listed) -> cell { return std::string(listed.kind.name); }},
+    {{"opcode", "OPCODE"}, [](const listed_field& listed) -> cell { return std::string(listed.kind.opcodes); }},
+    {{"payload", "PAYLOAD"}, [](const listed_field& listed) -> cell { return inspect::framing_text(listed.kind); }},
+    {{"offset", "OFFSET"},
+     [](const listed_field& listed) { return listed.field ? cell(static_cast<int64_t>(listed.field->offset)) : cell(); }},
+    {{"length", "LENGTH"},
+     [](const listed_field& listed) { return length_cell(listed.field ? listed.field->length : listed.kind.size); }},
+    {{"field", "FIELD"},
+     [](const listed_field& listed) { return listed.field ? cell(std::string(listed.field->name)) : cell(); }},
+    {{"takes", "TAKES", 0, false, column::data_only},
+     [](const listed_field& listed) {
+       return listed.field ? cell(std::string(inspect::form_text(listed.field->form))) : cell();
+     }},
+    {{"what", "WHAT"},
+     [](const listed_field& listed) {
+       return listed.field ? cell(std::string(listed.field->what))
+                           : cell(toned_text{std::string(listed.kind.what), tone::strong});
+     }},
+};
+
+void add_kind(const message_kind& kind, std::vector<listed_field>& listed) {
+  listed.push_back({kind, nullptr});
+  for (const auto& field : kind.fields) listed.push_back({kind, &field});
 }
 
-// ---- Bytes ----
+// ---- Bytes to fields ----
 
 byte_order order_named(const std::string& name) {
   return name == "little" ? byte_order::little : byte_order::big;
@@ -57,98 +74,124 @@ struct found_record {
   byte_order order;
 };
 
-found_record record_in(const message_kind& kind, const std::string& payload, const message_options& options) {
-  const auto order = order_of_array(payload);
+found_record find_record(const message_kind& kind, const std::string& payload, const message_options& options) {
+  const auto order = inspect::order_of_array(payload);
   if (kind.framing != message_framing::tlv || options.value_alone || !order) return {payload, order_named(options.order)};
   if (!options.order.empty() && order != order_named(options.order))
-    throw question_error(fmt::format("the TLV array is in {}-endian order; leave --byte-order out, or say --byte-order {}",
-                                     order_text(*order), order_text(*order)));
-  return {value_of_array(payload, kind.tlv_type, *order), *order};
+    throw inspect::question_error(
+        fmt::format("the TLV array is in {}-endian order; leave --byte-order out, or say --byte-order {}",
+                    inspect::order_text(*order), inspect::order_text(*order)));
+  return {inspect::value_of_array(payload, kind.tlv_type, *order), *order};
 }
 
-std::vector<column> value_columns() {
-  return {{"offset", "OFFSET"},
-          {"length", "LENGTH"},
-          {"field", "FIELD"},
-          {"value", "VALUE"},
-          {"number", "", 8, false, column::data_only},
-          {"bytes", "", 0, false, column::data_only},
-          {"bytes_text", "BYTES", 0, false, column::table_only}};
+std::optional<std::string> doubt_about_order(const message_kind& kind, const found_record& record) {
+  const auto doubt = inspect::doubt_about_order(kind, record.bytes, record.order);
+  if (!doubt) return std::nullopt;
+  return fmt::format("{} would be {}, as it always is, with --byte-order {}", doubt->field, doubt->usual,
+                     inspect::order_text(doubt->order));
+}
+
+// A record that is too short may only seem so in the wrong order.
+std::vector<field_value> read_fields(const message_kind& kind, const found_record& record) {
+  try {
+    return inspect::read_record(kind, record.bytes, record.order);
+  } catch (const inspect::error& refused) {
+    const auto doubt = doubt_about_order(kind, record);
+    if (!doubt || refused.failed() != inspect::failure::question) throw;
+    throw inspect::question_error(fmt::format("{}; {}", refused.what(), *doubt));
+  }
 }
 
 std::string shown_bytes(const std::string& bytes) {
-  return hex_text(bytes.substr(0, kShownBytes), 4) + (bytes.size() > kShownBytes ? " ..." : "");
+  return inspect::hex_text(bytes.substr(0, kShownBytes), 4) + (bytes.size() > kShownBytes ? " ..." : "");
 }
 
-void add_value(const field_value& value, result_document& document) {
-  document.add({static_cast<int64_t>(value.offset), static_cast<int64_t>(value.bytes.size()), value.name,
-                known_cell(value.text.has_value(), value.text.value_or("")),
-                known_cell(value.number.has_value(), int64_t{value.number.value_or(0)}), hex_text(value.bytes),
-                shown_bytes(value.bytes)});
-}
+const record_column<field_value> kValueColumns[] = {
+    {{"offset", "OFFSET"}, [](const field_value& value) -> cell { return static_cast<int64_t>(value.offset); }},
+    {{"length", "LENGTH"}, [](const field_value& value) -> cell { return static_cast<int64_t>(value.bytes.size()); }},
+    {{"field", "FIELD"}, [](const field_value& value) -> cell { return value.name; }},
+    {{"value", "VALUE"}, [](const field_value& value) { return value.text ? cell(*value.text) : cell(); }},
+    {{"number", "", 8, false, column::data_only}, [](const field_value& value) { return optional_cell(value.number); }},
+    {{"bytes", "", 0, false, column::data_only},
+     [](const field_value& value) -> cell { return inspect::hex_text(value.bytes); }},
+    {{"bytes_text", "BYTES", 0, false, column::table_only},
+     [](const field_value& value) -> cell { return shown_bytes(value.bytes); }},
+};
 
-void tell_no_payload(const message_kind& kind) {
+void notice_no_payload(const message_kind& kind) {
   if (kind.framing == message_framing::none) notice(fmt::format("{} has no payload", kind.name));
 }
 
 void require_payload(const message_kind& kind, const std::string& payload) {
   if (kind.framing == message_framing::none && !payload.empty())
-    throw question_error(fmt::format("{} has no payload; expected no bytes and not {}", kind.name, payload.size()));
+    throw inspect::question_error(
+        fmt::format("{} has no payload; expected no bytes and not {}", kind.name, payload.size()));
 }
 
-// ---- The other way ----
+// ---- Fields to bytes ----
 
-std::vector<column> payload_columns() {
-  return {{"kind", "KIND"},        {"opcode", "OPCODE"}, {"framing", "FRAMING"},
-          {"byte_order", "ORDER"}, {"length", "LENGTH"}, {"payload", "PAYLOAD"}};
+struct made_payload {
+  const message_kind& kind;
+  byte_order order;
+  bool is_array;
+  std::string bytes;
+};
+
+made_payload make_payload(const message_kind& kind, const message_options& options) {
+  const byte_order order = order_named(options.order);
+  const std::string record = inspect::make_record(kind, options.words, order);
+  const bool is_array = kind.framing == message_framing::tlv && !options.value_alone;
+  return {kind, order, is_array, is_array ? inspect::array_of_value(record, kind.tlv_type, order) : record};
 }
+
+const record_column<made_payload> kPayloadColumns[] = {
+    {{"kind", "KIND"}, [](const made_payload& made) -> cell { return std::string(made.kind.name); }},
+    {{"opcode", "OPCODE"}, [](const made_payload& made) -> cell { return std::string(made.kind.opcodes); }},
+    {{"framing", "FRAMING"},
+     [](const made_payload& made) -> cell { return made.is_array ? inspect::framing_text(made.kind) : "flat"; }},
+    {{"byte_order", "ORDER"},
+     [](const made_payload& made) -> cell { return std::string(inspect::order_text(made.order)); }},
+    {{"length", "LENGTH"}, [](const made_payload& made) -> cell { return static_cast<int64_t>(made.bytes.size()); }},
+    {{"payload", "PAYLOAD"}, [](const made_payload& made) -> cell { return inspect::hex_text(made.bytes); }},
+};
 
 std::string lines_of_hex(const std::string& payload) {
   std::string text;
   for (size_t place = 0; place < payload.size(); place += kLineBytes)
-    text += hex_text(payload.substr(place, kLineBytes), 4) + "\n";
+    text += inspect::hex_text(payload.substr(place, kLineBytes), 4) + "\n";
   return text;
 }
 
 } // namespace
 
 exit_code list_messages(const command_context& context, const message_list_options& options) {
-  result_document document{kind_columns(), {}};
-  for (const auto& name : options.kinds) add_kind(find_message_kind(name), document);
+  std::vector<listed_field> listed;
+  for (const auto& name : options.kinds) add_kind(inspect::find_message_kind(name), listed);
   if (options.kinds.empty())
-    for (const auto& kind : message_kinds()) add_kind(kind, document);
-  context.print(document);
+    for (const auto& kind : inspect::message_kinds()) add_kind(kind, listed);
+  context.print(document_of<listed_field>(kKindColumns, listed));
   return kFound;
 }
 
 exit_code decode_message(const command_context& context, const message_options& options) {
-  const message_kind& kind = find_message_kind(options.kind);
-  const std::string payload = parse_hex(options.words, stdin);
+  const message_kind& kind = inspect::find_message_kind(options.kind);
+  const std::string payload = bytes_of_words(options.words);
   require_payload(kind, payload);
-  tell_no_payload(kind);
-  const found_record record = record_in(kind, payload, options);
-  result_document document{value_columns(), {}};
-  for (const auto& value : read_record(kind, record.bytes, record.order)) add_value(value, document);
-  if (const auto doubt = doubt_about_order(kind, record.bytes, record.order); !doubt.empty()) notice(doubt);
-  context.print(document);
+  notice_no_payload(kind);
+  const found_record record = find_record(kind, payload, options);
+  const auto values = read_fields(kind, record);
+  if (const auto doubt = doubt_about_order(kind, record)) notice(*doubt);
+  context.print(document_of<field_value>(kValueColumns, values));
   return kFound;
 }
 
 exit_code encode_message(const command_context& context, const message_options& options) {
-  const message_kind& kind = find_message_kind(options.kind);
-  const byte_order order = order_named(options.order);
-  const std::string record = make_record(kind, options.words, order);
-  tell_no_payload(kind);
-  const bool is_array = kind.framing == message_framing::tlv && !options.value_alone;
-  const std::string payload = is_array ? array_of_value(record, kind.tlv_type, order) : record;
-  if (context.style.format == output_format::table) {
-    context.results.write(lines_of_hex(payload));
-    return kFound;
-  }
-  result_document document{payload_columns(), {}};
-  document.add({std::string(kind.name), std::string(kind.opcodes), is_array ? framing_text(kind) : "flat",
-                std::string(order_text(order)), static_cast<int64_t>(payload.size()), hex_text(payload)});
-  context.print(document);
+  const made_payload made = make_payload(inspect::find_message_kind(options.kind), options);
+  notice_no_payload(made.kind);
+  if (context.style.format == output_format::table)
+    context.results.write(lines_of_hex(made.bytes));
+  else
+    context.print(document_of<made_payload>(kPayloadColumns, {made}));
   return kFound;
 }
 
@@ -157,20 +200,20 @@ exit_code encode_message(const command_context& context, const message_options& 
 namespace {
 
 std::vector<std::string> offered_kinds(std::span<const std::string>) {
-  return names_of(message_kinds());
+  return inspect::names_of(inspect::message_kinds());
 }
 
 // The fields of the kind that was named, each with the sign that its value follows.
 std::vector<std::string> offered_fields(std::span<const std::string> words) {
   std::vector<std::string> fields;
-  for (const auto& kind : message_kinds())
-    if (!words.empty() && words.front() == kind.name) fields = names_of(kind.fields);
+  for (const auto& kind : inspect::message_kinds())
+    if (!words.empty() && words.front() == kind.name) fields = inspect::names_of(kind.fields);
   for (auto& field : fields) field += "=";
   return fields;
 }
 
 std::string kinds_text() {
-  return fmt::format("One of {}", fmt::join(names_of(message_kinds()), ", "));
+  return fmt::format("One of {}", fmt::join(inspect::names_of(inspect::message_kinds()), ", "));
 }
 
 argument kind_word(message_options& options) {

@@ -2,15 +2,15 @@
 #include "commands/order_commands.h"
 
 #include <fmt/format.h>
-#include <platform/if_index.h>
 
-#include <optional>
+#include <algorithm>
 
+#include "inspect/messages/manager_orders.h"
 #include "inspect/port_map/map_findings.h"
 #include "inspect/words/target_numbers.h"
 #include "output/port_row.h"
+#include "output/record_table.h"
 #include "vswitch/interface_index.h"
-#include "vswitch/vsan_set.h"
 
 namespace chnsw_tool {
 
@@ -18,20 +18,10 @@ namespace {
 
 // ---- install ----
 
-vsan_block block_of(const std::vector<uint32_t>& vsans) {
-  vsan_block block = vswitch::no_vsans();
-  for (uint32_t vsan : vsans) vswitch::add_vsan(block, vsan);
-  return block;
-}
-
-// One VSAN goes out by its number, several as a set: the library builds the same message from both.
-uint32_t send_install(msgq* handle, const std::vector<uint32_t>& vsans, const std::vector<uint32_t>& if_indexes,
-                      uint8_t what) {
-  const vsan_block block = block_of(vsans);
-  const bool single = vsans.size() == 1;
-  return ficon_send_vsan_install(handle, static_cast<uint32_t>(if_indexes.size()), if_indexes.data(), what, single,
-                                 single ? static_cast<int32_t>(vsans.front()) : 0, &block);
-}
+struct answered_install {
+  inspect::install_order order;
+  uint32_t status;
+};
 
 std::string names_of(const std::vector<uint32_t>& if_indexes) {
   std::string names;
@@ -39,125 +29,96 @@ std::string names_of(const std::vector<uint32_t>& if_indexes) {
   return names;
 }
 
-// ---- notify ----
-
-std::vector<column> notify_columns() {
-  return {
-      {"notice", "NOTICE"}, {"vsan", "VSAN"},     {"interface", "INTERFACE"}, {"if_index", "", 8, false, column::data_only},
-      {"state", "STATE"},   {"reason", "REASON"}, {"listeners", "LISTENERS"}, {"status", "STATUS"}};
-}
-
-// A notice as it is ordered, and what a row says about it.
-struct ordered_notice {
-  vswitch::notify_order order{};
-  std::string name;
-  std::optional<uint32_t> vsan;
-  std::optional<uint32_t> if_index;
-  std::optional<std::string> state;
-  std::optional<uint32_t> reason;
+const record_column<answered_install> kInstallColumns[] = {
+    {{"order", "ORDER"},
+     [](const answered_install& answered) -> cell {
+       return std::string(answered.order.uninstall ? "uninstall" : "install");
+     }},
+    {{"vsans", "VSANS"},
+     [](const answered_install& answered) -> cell {
+       return number_list(answered.order.vsans.begin(), answered.order.vsans.end());
+     }},
+    {{"interfaces", "INTERFACES"},
+     [](const answered_install& answered) -> cell { return names_of(answered.order.if_indexes); }},
+    {{"status", "STATUS"}, [](const answered_install& answered) -> cell { return status{answered.status}; }},
 };
 
-void add_row(const ordered_notice& notice, const vswitch::notify_result& result, result_document& document) {
-  document.add({notice.name, optional_cell(notice.vsan), interface_name_cell(notice.if_index),
-                interface_cell(notice.if_index), known_cell(notice.state.has_value(), notice.state.value_or("")),
-                optional_cell(notice.reason), known_cell(result.result == 0, int64_t{result.listeners}),
-                status{result.result}});
+// ---- notify ----
+
+struct answered_notice {
+  inspect::notice_order notice;
+  inspect::notice_answer answer;
+};
+
+const record_column<answered_notice> kNoticeColumns[] = {
+    {{"notice", "NOTICE"}, [](const answered_notice& sent) -> cell { return sent.notice.name; }},
+    {{"vsan", "VSAN"}, [](const answered_notice& sent) { return optional_cell(sent.notice.vsan); }},
+    {{"interface", "INTERFACE"}, [](const answered_notice& sent) { return interface_name_cell(sent.notice.if_index); }},
+    {{"if_index", "", 8, false, column::data_only},
+     [](const answered_notice& sent) { return interface_cell(sent.notice.if_index); }},
+    {{"state", "STATE"},
+     [](const answered_notice& sent) { return known_cell(sent.notice.state.has_value(), sent.notice.state.value_or("")); }},
+    {{"reason", "REASON"}, [](const answered_notice& sent) { return optional_cell(sent.notice.reason); }},
+    {{"listeners", "LISTENERS"},
+     [](const answered_notice& sent) { return known_cell(sent.answer.status == 0, int64_t{sent.answer.listeners}); }},
+    {{"status", "STATUS"}, [](const answered_notice& sent) -> cell { return status{sent.answer.status}; }},
+};
+
+exit_code send_notices(const command_context& context, inspect::manager_client& manager,
+                       const std::vector<inspect::notice_order>& notices) {
+  std::vector<answered_notice> sent;
+  for (const auto& notice : notices) sent.push_back({notice, inspect::order_notice(manager, notice)});
+  context.print(document_of<answered_notice>(kNoticeColumns, sent));
+  const bool all_sent = std::all_of(sent.begin(), sent.end(), [](const auto& one) { return one.answer.status == 0; });
+  return all_sent && !sent.empty() ? kFound : kNotFound;
 }
 
-exit_code send_notices(const command_context& context, manager_client& manager,
-                       const std::vector<ordered_notice>& notices) {
-  result_document document{notify_columns(), {}};
-  exit_code code = notices.empty() ? kNotFound : kFound;
-  for (const auto& notice : notices) {
-    auto answer = manager.order(vswitch::kOpNotify, &notice.order, sizeof notice.order);
-    const auto result = record_in<vswitch::notify_result>(answer.get());
-    add_row(notice, result, document);
-    if (result.result != 0) code = kNotFound;
-  }
-  context.print(document);
-  return code;
-}
-
-bool is_on(const std::string& state) {
-  return state == "up" || state == "on";
-}
-
-ordered_notice about_interface(uint32_t opcode, const char* name, uint32_t if_index) {
-  ordered_notice notice;
-  notice.order.opcode = opcode;
-  notice.order.if_index = hton_if_index(if_index);
-  notice.name = name;
-  notice.if_index = if_index;
-  return notice;
-}
-
-void set_state(ordered_notice& notice, const std::string& state) {
-  notice.order.state = is_on(state);
-  notice.state = state;
+// A notice about each interface.
+template <typename make_notice>
+exit_code notify_about_interfaces(const command_context& context, const notify_options& options, make_notice make) {
+  inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
+  std::vector<inspect::notice_order> notices;
+  for (uint32_t if_index : inspect::parse_interfaces(manager.chassis(), options.interfaces))
+    notices.push_back(make(if_index));
+  return send_notices(context, manager, notices);
 }
 
 } // namespace
 
 exit_code install_vsans(const command_context& context, const install_options& options) {
-  manager_client manager(managed_folder(context), options.timeout_seconds);
-  const auto vsans = parse_numbers(kVsan, {options.vsans}, vsans_of(manager.chassis()));
-  const auto if_indexes = parse_interfaces(manager.chassis(), options.interfaces);
-  if (vsans.empty() || if_indexes.empty())
-    throw question_error("this switch has no VSANs, or no interfaces, that \"all\" means");
-  const uint8_t what = options.uninstall ? vswitch::kUninstall : vswitch::kInstall;
-  auto answer = manager.ask_unmarked([&](msgq* handle) { return send_install(handle, vsans, if_indexes, what); });
-  const auto result = record_in<vswitch::manager_result>(answer.get());
-  result_document document{{{"order", "ORDER"}, {"vsans", "VSANS"}, {"interfaces", "INTERFACES"}, {"status", "STATUS"}},
-                           {}};
-  document.add({std::string(options.uninstall ? "uninstall" : "install"), number_list(vsans.begin(), vsans.end()),
-                names_of(if_indexes), status{result.result}});
-  context.print(document);
-  return result.result == 0 ? kFound : kNotFound;
+  inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
+  inspect::install_order order{options.uninstall, {}, {}};
+  order.vsans = inspect::parse_numbers(inspect::kVsan, {options.vsans}, inspect::vsans_of(manager.chassis()));
+  order.if_indexes = inspect::parse_interfaces(manager.chassis(), options.interfaces);
+  if (order.vsans.empty() || order.if_indexes.empty())
+    throw inspect::question_error("this switch has no VSANs, or no interfaces, that \"all\" means");
+  const uint32_t status = inspect::order_install(manager, order);
+  context.print(document_of<answered_install>(kInstallColumns, {{order, status}}));
+  return status == 0 ? kFound : kNotFound;
 }
 
 exit_code notify_vsan(const command_context& context, const notify_options& options) {
-  manager_client manager(managed_folder(context), options.timeout_seconds);
-  std::vector<ordered_notice> notices;
-  for (uint32_t vsan : parse_numbers(kVsan, {options.vsans}, vsans_of(manager.chassis()))) {
-    ordered_notice notice;
-    notice.order.opcode = vswitch::kOpVsanStateChange;
-    notice.order.vsan = vsan;
-    notice.name = "vsan";
-    notice.vsan = vsan;
-    set_state(notice, options.state);
-    notices.push_back(std::move(notice));
-  }
+  inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
+  std::vector<inspect::notice_order> notices;
+  const auto all = inspect::vsans_of(manager.chassis());
+  for (uint32_t vsan : inspect::parse_numbers(inspect::kVsan, {options.vsans}, all))
+    notices.push_back(inspect::vsan_notice(vsan, options.state));
   return send_notices(context, manager, notices);
 }
 
 exit_code notify_port(const command_context& context, const notify_options& options) {
-  manager_client manager(managed_folder(context), options.timeout_seconds);
-  std::vector<ordered_notice> notices;
-  for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces)) {
-    notices.push_back(about_interface(vswitch::kOpPortUpDown, "port", if_index));
-    set_state(notices.back(), options.state);
-    notices.back().order.reason = static_cast<uint8_t>(options.reason);
-    notices.back().reason = options.reason;
-  }
-  return send_notices(context, manager, notices);
+  return notify_about_interfaces(context, options, [&](uint32_t if_index) {
+    return inspect::port_notice(if_index, options.state, static_cast<uint8_t>(options.reason));
+  });
 }
 
 exit_code notify_enable(const command_context& context, const notify_options& options) {
-  manager_client manager(managed_folder(context), options.timeout_seconds);
-  std::vector<ordered_notice> notices;
-  for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces)) {
-    notices.push_back(about_interface(vswitch::kOpPortEnable, "enable", if_index));
-    set_state(notices.back(), options.state);
-  }
-  return send_notices(context, manager, notices);
+  return notify_about_interfaces(context, options,
+                                 [&](uint32_t if_index) { return inspect::enable_notice(if_index, options.state); });
 }
 
 exit_code notify_rnid(const command_context& context, const notify_options& options) {
-  manager_client manager(managed_folder(context), options.timeout_seconds);
-  std::vector<ordered_notice> notices;
-  for (uint32_t if_index : parse_interfaces(manager.chassis(), options.interfaces))
-    notices.push_back(about_interface(vswitch::kOpRnidNotification, "rnid", if_index));
-  return send_notices(context, manager, notices);
+  return notify_about_interfaces(context, options, inspect::rnid_notice);
 }
 
 // ---- The commands ----

@@ -17,7 +17,7 @@ struct install_options {
   std::string vsans;
   std::vector<std::string> interfaces;
   bool uninstall = false;
-  double timeout_seconds = kUsualTimeoutSeconds;
+  double timeout_seconds = inspect::kUsualTimeoutSeconds;
 };
 
 struct notify_options {
@@ -25,7 +25,7 @@ struct notify_options {
   std::vector<std::string> interfaces;
   std::string state; // "up", "down", "on", "off"
   uint32_t reason = 0;
-  double timeout_seconds = kUsualTimeoutSeconds;
+  double timeout_seconds = inspect::kUsualTimeoutSeconds;
 };
 
 exit_code install_vsans(const command_context& context, const install_options& options);

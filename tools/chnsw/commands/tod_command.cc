@@ -1,33 +1,31 @@
 // tod and set time.
 #include "commands/tod_command.h"
-#include "inspect/words/status_names.h"
 
 #include <fmt/format.h>
 
-#include <cstdio>
-
-#include "inspect/chassis/switch_differences.h"
-#include "inspect/mainframe/tod_arithmetic.h"
-#include "inspect/mainframe/tod_values.h"
+#include "inspect/chassis/switch_changes.h"
+#include "inspect/mainframe/tod_answers.h"
+#include "inspect/mainframe/tod_explanation.h"
+#include "inspect/words/status_names.h"
 #include "inspect/words/target_numbers.h"
+#include "output/difference_columns.h"
 #include "output/port_row.h"
-#include "vswitch/switch_store.h"
+#include "output/record_table.h"
+#include "output/tod_explanation.h"
+#include "standard_input.h"
 
 namespace chnsw_tool {
 
 namespace {
 
+using inspect::named_moment;
+using inspect::time_stamp;
+using inspect::tod_answer;
 using vswitch::instant;
-using vswitch::time_reference;
 
-constexpr char kNone[] = "none";
-constexpr number_kind kTimedVsan = {"VSAN", 10, 1, 4095, "10"};
+constexpr inspect::number_kind kTimedVsan = {"VSAN", 10, 1, 4095, "10"};
 
-instant without_leap_seconds(uint64_t tod, unsigned leap_seconds) {
-  return {vswitch::instant_of(tod).microseconds - leap_seconds * vswitch::kMicrosecondsPerSecond};
-}
-
-void tell_leap_seconds(unsigned leap_seconds) {
+void notice_leap_seconds(unsigned leap_seconds) {
   if (leap_seconds == 0) return;
   notice(
       fmt::format("{} leap seconds are subtracted from a TOD clock value to make a time, and added the other way; the "
@@ -36,19 +34,6 @@ void tell_leap_seconds(unsigned leap_seconds) {
 }
 
 // ---- Moments ----
-
-std::vector<column> moment_columns() {
-  return {{"asked", "", 0, false, column::data_only},
-          {"tod_text", "TOD", 0, false, column::table_only},
-          {"tod", "", 16, false, column::data_only},
-          {"utc", "UTC"},
-          {"host_text", "HOST SECONDS", 0, false, column::table_only},
-          {"host_seconds", "", 0, false, column::data_only},
-          {"host_microseconds", "", 0, false, column::data_only},
-          {"day_first", "DAY FIRST"},
-          {"year_first", "YEAR FIRST"},
-          {"leap_seconds", "", 0, false, column::data_only}};
-}
 
 // A host time's seconds as a table shows them; nothing beyond 32 bits.
 std::string host_text(instant at) {
@@ -60,110 +45,116 @@ cell host_cell(instant at, int32_t ficon_host_time::*word) {
   return host ? cell(int64_t{(*host).*word}) : cell();
 }
 
-uint64_t tod_of(const named_moment& moment, unsigned leap_seconds) {
-  if (moment.tod) return *moment.tod;
-  const instant ahead{moment.at.microseconds + leap_seconds * vswitch::kMicrosecondsPerSecond};
-  if (ahead > vswitch::kLastTodInstant)
-    throw question_error(
-        fmt::format("time \"{}\" with {} leap seconds is beyond the end of the TOD clock", moment.word, leap_seconds));
-  return tod_by_library(ahead);
+const record_column<tod_answer> kMomentColumns[] = {
+    {{"asked", "", 0, false, column::data_only}, [](const tod_answer& answer) -> cell { return answer.word; }},
+    {{"tod_text", "TOD", 0, false, column::table_only},
+     [](const tod_answer& answer) -> cell { return vswitch::tod_text(answer.tod); }},
+    {{"tod", "", 16, false, column::data_only}, [](const tod_answer& answer) -> cell { return wide_number{answer.tod}; }},
+    {{"utc", "UTC"}, [](const tod_answer& answer) -> cell { return vswitch::utc_text(answer.utc); }},
+    {{"host_text", "HOST SECONDS", 0, false, column::table_only},
+     [](const tod_answer& answer) -> cell { return host_text(answer.utc); }},
+    {{"host_seconds", "", 0, false, column::data_only},
+     [](const tod_answer& answer) { return host_cell(answer.utc, &ficon_host_time::seconds); }},
+    {{"host_microseconds", "", 0, false, column::data_only},
+     [](const tod_answer& answer) { return host_cell(answer.utc, &ficon_host_time::microseconds); }},
+    {{"day_first", "DAY FIRST"}, [](const tod_answer& answer) -> cell { return answer.texts.day_first; }},
+    {{"year_first", "YEAR FIRST"}, [](const tod_answer& answer) -> cell { return answer.texts.year_first; }},
+    {{"leap_seconds", "", 0, false, column::data_only},
+     [](const tod_answer& answer) -> cell { return int64_t{answer.leap_seconds}; }},
+};
+
+struct moment_list {
+  std::vector<named_moment> moments;
+  bool has_bad_line = false;
+};
+
+// A line that names no moment is complained about, and the others are taken all the same.
+void add_lines(inspect::host_clock& clock, moment_list& list) {
+  size_t number = 0;
+  while (const auto text = read_input_line()) {
+    const auto line = inspect::parse_moment_line(++number, *text, clock);
+    if (!line) continue;
+    if (line->moment) {
+      list.moments.push_back(*line->moment);
+    } else {
+      notice(fmt::format("line {}: {}", line->number, line->reason));
+      list.has_bad_line = true;
+    }
+  }
+}
+
+moment_list read_moments(const tod_options& options) {
+  inspect::host_clock clock;
+  moment_list list;
+  for (const auto& word : inspect::moment_words(options.what)) {
+    if (word == kStandardInput)
+      add_lines(clock, list);
+    else
+      list.moments.push_back(inspect::parse_moment(word, clock));
+  }
+  return list;
 }
 
 void add_moment(const named_moment& moment, const tod_options& options, result_document& document) {
-  const uint64_t tod = tod_of(moment, options.leap_seconds);
-  const instant at = without_leap_seconds(tod, options.leap_seconds);
-  const tod_texts texts = texts_of(tod);
-  document.add({moment.word, vswitch::tod_text(tod), wide_number{tod}, vswitch::utc_text(at), host_text(at),
-                host_cell(at, &ficon_host_time::seconds), host_cell(at, &ficon_host_time::microseconds), texts.day_first,
-                texts.year_first, int64_t{options.leap_seconds}});
+  const tod_answer answer = inspect::answer_moment(moment, options.leap_seconds);
+  document.add(cells_of<tod_answer>(kMomentColumns, answer));
   if (!options.explain) return;
-  if (moment.tod)
-    explain_tod(tod, options.leap_seconds, document.rows.back());
-  else
-    explain_instant(moment.at, options.leap_seconds, document.rows.back());
+  attach(moment.tod ? inspect::explain_tod(answer.tod, options.leap_seconds)
+                    : inspect::explain_instant(moment.at, options.leap_seconds),
+         document.rows.back());
 }
 
 exit_code show_moments(const command_context& context, const tod_options& options) {
-  host_clock clock;
-  const moment_list list = parse_moments(options.what, stdin, clock);
-  result_document document{moment_columns(), {}};
+  const moment_list list = read_moments(options);
+  result_document document{columns_of<tod_answer>(kMomentColumns), {}};
   for (const auto& moment : list.moments) add_moment(moment, options, document);
-  tell_leap_seconds(options.leap_seconds);
+  notice_leap_seconds(options.leap_seconds);
   context.print(document);
   return list.has_bad_line ? kNotFound : kFound;
 }
 
 // ---- Time stamps ----
 
-std::vector<column> stamp_columns() {
-  return {{"vsan", "VSAN"},
-          {"at", "AT"},
-          {"at_seconds", "", 0, false, column::data_only},
-          {"at_microseconds", "", 0, false, column::data_only},
-          {"tod", "", 16, false, column::data_only},
-          {"utc", ""},
-          {"day_first", ""},
-          {"year_first", ""},
-          {"reference_utc", ""},
-          {"reference_host_seconds", "", 0, false, column::data_only},
-          {"reference_host_microseconds", "", 0, false, column::data_only},
-          {"reference_tod", "", 16, false, column::data_only},
-          {"leap_seconds", "", 0, false, column::data_only},
-          {"status", "STATUS"}};
+std::string at_text(const time_stamp& stamp) {
+  return vswitch::utc_text(vswitch::instant_of(stamp.at));
 }
 
-struct time_stamp {
-  uint32_t vsan = 0;
-  ficon_host_time at{};
-  std::optional<time_reference> reference;
-  uint32_t status = 0;
-  uint64_t tod = 0; // the rest only with status 0
-  tod_texts texts;
-  instant utc;
-};
-
-std::string stamp_text(uint32_t vsan, const ficon_host_time& at, int32_t format, uint32_t& status) {
-  const char* text = "";
-  status = ficon_cmi_get_vsan_tstmp_given_time(vsan, &text, format, &at);
-  return text;
+std::string reference_utc(const time_stamp& stamp) {
+  return stamp.reference ? vswitch::utc_text(vswitch::instant_of(stamp.reference->host)) : "";
 }
 
-// The library hands out a time stamp as text only; its value is asked for by the same reference, and has to have that text.
-time_stamp ask_for_stamp(const vswitch::chassis_description& chassis, uint32_t vsan, const ficon_host_time& at,
-                         unsigned leap_seconds) {
-  time_stamp stamp{vsan, at, {}, 0, 0, {}, {}};
-  stamp.texts.day_first = stamp_text(vsan, at, FICON_TOD_FMT_DAY_FIRST, stamp.status);
-  stamp.texts.year_first = stamp_text(vsan, at, FICON_TOD_FMT_YEAR_FIRST, stamp.status);
-  auto found = chassis.times.find(static_cast<uint16_t>(vsan));
-  if ((found == chassis.times.end()) != (stamp.status != 0))
-    throw platform_error(fmt::format("internal error: the library answers {} for the reference of VSAN {}",
-                                     status_text(stamp.status), vsan));
-  if (stamp.status != 0) return stamp;
-  stamp.reference = found->second;
-  stamp.tod = tod_by_library(found->second, at);
-  stamp.utc = without_leap_seconds(stamp.tod, leap_seconds);
-  if (texts_of(stamp.tod).day_first != stamp.texts.day_first)
-    throw platform_error(fmt::format("internal error: the library's time stamp of VSAN {} is \"{}\", but its value is {}",
-                                     vsan, stamp.texts.day_first, vswitch::tod_text(stamp.tod)));
-  return stamp;
-}
-
+// A value that there is only with a reference.
 cell if_there(const time_stamp& stamp, cell value) {
-  return stamp.reference ? std::move(value) : cell();
+  return known_cell(stamp.reference.has_value(), std::move(value));
 }
 
-result_row row_of(const time_stamp& stamp, unsigned leap_seconds) {
-  const time_reference reference = stamp.reference.value_or(time_reference{});
-  auto there = [&stamp](cell value) { return if_there(stamp, std::move(value)); };
-  return {{int64_t{stamp.vsan}, vswitch::utc_text(vswitch::instant_of(stamp.at)), int64_t{stamp.at.seconds},
-           int64_t{stamp.at.microseconds}, there(wide_number{stamp.tod}), there(vswitch::utc_text(stamp.utc)),
-           there(stamp.texts.day_first), there(stamp.texts.year_first),
-           there(vswitch::utc_text(vswitch::instant_of(reference.host))), there(int64_t{reference.host.seconds}),
-           there(int64_t{reference.host.microseconds}), there(wide_number{reference.tod}), int64_t{leap_seconds},
-           status{stamp.status}},
-          {},
-          nullptr};
+cell reference_cell(const time_stamp& stamp, int32_t ficon_host_time::*word) {
+  return stamp.reference ? cell(int64_t{stamp.reference->host.*word}) : cell();
 }
+
+const record_column<time_stamp> kStampColumns[] = {
+    {{"vsan", "VSAN"}, [](const time_stamp& stamp) -> cell { return int64_t{stamp.vsan}; }},
+    {{"at", "AT"}, [](const time_stamp& stamp) -> cell { return at_text(stamp); }},
+    {{"at_seconds", "", 0, false, column::data_only},
+     [](const time_stamp& stamp) -> cell { return int64_t{stamp.at.seconds}; }},
+    {{"at_microseconds", "", 0, false, column::data_only},
+     [](const time_stamp& stamp) -> cell { return int64_t{stamp.at.microseconds}; }},
+    {{"tod", "", 16, false, column::data_only},
+     [](const time_stamp& stamp) { return if_there(stamp, wide_number{stamp.tod}); }},
+    {{"utc", ""}, [](const time_stamp& stamp) { return if_there(stamp, vswitch::utc_text(stamp.utc)); }},
+    {{"day_first", ""}, [](const time_stamp& stamp) { return if_there(stamp, stamp.texts.day_first); }},
+    {{"year_first", ""}, [](const time_stamp& stamp) { return if_there(stamp, stamp.texts.year_first); }},
+    {{"reference_utc", ""}, [](const time_stamp& stamp) { return if_there(stamp, reference_utc(stamp)); }},
+    {{"reference_host_seconds", "", 0, false, column::data_only},
+     [](const time_stamp& stamp) { return reference_cell(stamp, &ficon_host_time::seconds); }},
+    {{"reference_host_microseconds", "", 0, false, column::data_only},
+     [](const time_stamp& stamp) { return reference_cell(stamp, &ficon_host_time::microseconds); }},
+    {{"reference_tod", "", 16, false, column::data_only},
+     [](const time_stamp& stamp) { return stamp.reference ? cell(wide_number{stamp.reference->tod}) : cell(); }},
+    {{"leap_seconds", "", 0, false, column::data_only},
+     [](const time_stamp& stamp) -> cell { return int64_t{stamp.leap_seconds}; }},
+    {{"status", "STATUS"}, [](const time_stamp& stamp) -> cell { return status{stamp.status}; }},
+};
 
 void add_line(const char* label, const std::string& value, std::string& text) {
   text += fmt::format("  {:<12}  {}\n", label, value);
@@ -171,21 +162,19 @@ void add_line(const char* label, const std::string& value, std::string& text) {
 
 // One below the other: side by side they would not fit a terminal.
 std::string text_of(const time_stamp& stamp) {
-  std::string text = fmt::format("VSAN {} at {}\n", stamp.vsan, vswitch::utc_text(vswitch::instant_of(stamp.at)));
+  std::string text = fmt::format("VSAN {} at {}\n", stamp.vsan, at_text(stamp));
   if (stamp.reference) {
     add_line("time stamp", vswitch::tod_text(stamp.tod), text);
     add_line("UTC", vswitch::utc_text(stamp.utc), text);
     add_line("host seconds", host_text(stamp.utc).empty() ? "-" : host_text(stamp.utc), text);
     add_line("day first", stamp.texts.day_first, text);
     add_line("year first", stamp.texts.year_first, text);
-    add_line("reference",
-             fmt::format("host {}, TOD {}", vswitch::utc_text(vswitch::instant_of(stamp.reference->host)),
-                         vswitch::tod_text(stamp.reference->tod)),
+    add_line("reference", fmt::format("host {}, TOD {}", reference_utc(stamp), vswitch::tod_text(stamp.reference->tod)),
              text);
   } else {
     add_line("reference", "none", text);
   }
-  add_line("status", status_text(stamp.status), text);
+  add_line("status", inspect::status_text(stamp.status), text);
   return text;
 }
 
@@ -206,80 +195,45 @@ std::vector<uint32_t> vsans_with_reference(const vswitch::chassis_description& c
 }
 
 exit_code show_stamps(const command_context& context, const tod_options& options) {
-  host_clock clock;
-  const ficon_host_time at = parse_host_time(options.at.empty() ? "now" : options.at, clock);
-  const library_session session = context.open_session();
+  inspect::host_clock clock;
+  const ficon_host_time at = inspect::parse_host_time(options.at.empty() ? "now" : options.at, clock);
+  const inspect::library_session session = context.open_session();
+  const auto& chassis = session.chassis();
   std::vector<time_stamp> stamps;
-  result_document document{stamp_columns(), {}};
+  result_document document{columns_of<time_stamp>(kStampColumns), {}};
   exit_code code = kFound;
-  for (uint32_t vsan : parse_numbers(kVsan, {options.vsans}, vsans_with_reference(session.chassis()))) {
-    stamps.push_back(ask_for_stamp(session.chassis(), vsan, at, options.leap_seconds));
-    const time_stamp& stamp = stamps.back();
-    document.rows.push_back(row_of(stamp, options.leap_seconds));
-    if (options.explain && stamp.reference) explain_time_stamp(vsan, *stamp.reference, at, document.rows.back());
+  for (uint32_t vsan : inspect::parse_numbers(inspect::kVsan, {options.vsans}, vsans_with_reference(chassis))) {
+    const time_stamp stamp = inspect::ask_time_stamp(chassis, vsan, at, options.leap_seconds);
+    document.add(cells_of<time_stamp>(kStampColumns, stamp));
+    if (options.explain && stamp.reference)
+      attach(inspect::explain_time_stamp(vsan, *stamp.reference, at), document.rows.back());
     if (stamp.status != 0) code = kNotFound;
+    stamps.push_back(stamp);
   }
-  tell_leap_seconds(options.leap_seconds);
+  notice_leap_seconds(options.leap_seconds);
   print_stamps(context, stamps, document);
   return code;
-}
-
-// ---- Setting a reference ----
-
-std::optional<time_reference> new_reference(const set_time_options& options) {
-  if (options.host_time == kNone) {
-    if (!options.tod.empty()) throw question_error("a TOD clock value belongs to a host time; none takes both away");
-    return std::nullopt;
-  }
-  host_clock clock;
-  const ficon_host_time host = parse_host_time(options.host_time, clock);
-  const uint64_t tod =
-      options.tod.empty() ? vswitch::tod_of(vswitch::instant_of(host)) : parse_tod_value(options.tod, clock);
-  return time_reference{host, tod};
-}
-
-// A description of the one reference, to be compared.
-vswitch::chassis_description with_reference(uint32_t vsan, const std::optional<time_reference>& reference) {
-  vswitch::chassis_description chassis;
-  if (reference) chassis.times[static_cast<uint16_t>(vsan)] = *reference;
-  return chassis;
-}
-
-void print_change(const command_context& context, uint32_t vsan, const std::optional<time_reference>& before,
-                  const std::optional<time_reference>& after) {
-  result_document document;
-  add_difference_columns("BEFORE", "AFTER", document.columns);
-  for (const auto& found : differences(with_reference(vsan, before), with_reference(vsan, after))) {
-    document.rows.emplace_back();
-    add_difference_cells(found, document.rows.back().cells);
-  }
-  if (document.rows.empty()) notice("nothing to change: the switch holds these values already");
-  context.print(document);
 }
 
 } // namespace
 
 exit_code show_tod(const command_context& context, const tod_options& options) {
   if (options.vsans.empty() == options.what.empty())
-    throw question_error(options.what.empty()
-                             ? "nothing to convert; give TOD clock values or times, - to read them, or --vsan"
-                             : "give times to convert or --vsan, not both; --at names a time stamp's time");
+    throw inspect::question_error(options.what.empty()
+                                      ? "nothing to convert; give TOD clock values or times, - to read them, or --vsan"
+                                      : "give times to convert or --vsan, not both; --at names a time stamp's time");
   if (options.vsans.empty() && !options.at.empty())
-    throw question_error("--at is the time of a VSAN's time stamp; give --vsan");
+    throw inspect::question_error("--at is the time of a VSAN's time stamp; give --vsan");
   return options.vsans.empty() ? show_moments(context, options) : show_stamps(context, options);
 }
 
 exit_code set_time(const command_context& context, const set_time_options& options) {
-  const uint32_t vsan = parse_number(kTimedVsan, options.vsan);
-  const auto reference = new_reference(options);
-  const std::string& folder = context.named_folder("edit the file, or make a folder of it with chnsw create");
-  try {
-    const auto before = vswitch::switch_store::open(folder)->set_time_reference(vsan, reference);
-    print_change(context, vsan, before, reference);
-    return kFound;
-  } catch (const vswitch::switch_error& error) {
-    throw platform_error(error.what());
-  }
+  const uint32_t vsan = inspect::parse_number(kTimedVsan, options.vsan);
+  const auto reference = inspect::parse_time_reference(options.host_time, options.tod);
+  const auto changes = inspect::change_time_reference(context.named_folder(kChangesNeedFolder), vsan, reference);
+  if (changes.empty()) notice(kNothingToChange);
+  context.print(difference_document("BEFORE", "AFTER", changes));
+  return kFound;
 }
 
 // ---- The commands ----

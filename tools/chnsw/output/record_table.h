@@ -30,6 +30,13 @@ std::vector<cell> cells_of(std::span<const record_column<record>> rows, const re
   return cells;
 }
 
+template <typename record>
+result_document document_of(std::span<const record_column<record>> rows, const std::vector<record>& shown) {
+  result_document document{columns_of(rows), {}};
+  for (const auto& one : shown) document.add(cells_of(rows, one));
+  return document;
+}
+
 // Columns of one thing after those of another.
 template <typename value>
 void append(std::vector<value>& all, std::vector<value> more) {

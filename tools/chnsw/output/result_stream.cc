@@ -12,7 +12,7 @@
 #include <cstring>
 #include <vector>
 
-#include "exit_code.h"
+#include "inspect/error.h"
 
 namespace chnsw_tool {
 
@@ -49,7 +49,7 @@ bool result_stream::is_terminal() const {
 void result_stream::wait(std::initializer_list<int> descriptors, int timeout_ms) const {
   std::vector<pollfd> ends = {{fd_, 0, 0}};
   for (int descriptor : descriptors) ends.push_back({descriptor, POLLIN, 0});
-  if (::poll(ends.data(), ends.size(), timeout_ms) > 0 && ends.front().revents != 0) throw platform_error("");
+  if (::poll(ends.data(), ends.size(), timeout_ms) > 0 && ends.front().revents != 0) throw inspect::platform_error("");
 }
 
 void result_stream::write(std::string_view text) {
@@ -58,9 +58,10 @@ void result_stream::write(std::string_view text) {
     if (written >= 0) {
       text.remove_prefix(static_cast<size_t>(written));
     } else if (errno == EPIPE) {
-      throw platform_error("");
+      throw inspect::platform_error("");
     } else if (errno != EINTR) {
-      throw platform_error(fmt::format("the result cannot be written to standard output: {}", std::strerror(errno)));
+      throw inspect::platform_error(
+          fmt::format("the result cannot be written to standard output: {}", std::strerror(errno)));
     }
   }
 }

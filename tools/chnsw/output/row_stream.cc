@@ -4,13 +4,13 @@
 
 namespace chnsw_tool {
 
-row_stream::row_stream(const command_context& context, std::vector<column> columns)
-    : context_(context), columns_(std::move(columns)) {
-  context_.results.write(stream_begin(columns_, context_.style));
+row_stream::row_stream(result_stream& results, const output_style& style, std::vector<column> columns)
+    : results_(results), style_(style), columns_(std::move(columns)) {
+  results_.write(stream_begin(columns_, style_));
 }
 
 void row_stream::add(std::vector<cell> cells) {
-  context_.results.write(stream_row(columns_, {std::move(cells), {}, nullptr}, !any_row_, context_.style));
+  results_.write(stream_row(columns_, {std::move(cells), {}, nullptr}, !any_row_, style_));
   any_row_ = true;
 }
 
@@ -25,7 +25,7 @@ void row_stream::fill(const std::function<void()>& fill) {
 }
 
 void row_stream::end() {
-  context_.results.write(stream_end(any_row_, context_.style));
+  results_.write(stream_end(any_row_, style_));
 }
 
 } // namespace chnsw_tool

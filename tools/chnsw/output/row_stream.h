@@ -5,14 +5,15 @@
 #include <functional>
 #include <vector>
 
-#include "command_context.h"
 #include "output/result_document.h"
+#include "output/result_stream.h"
 
 namespace chnsw_tool {
 
 class row_stream {
  public:
-  row_stream(const command_context& context, std::vector<column> columns);
+  // Begins the document.
+  row_stream(result_stream& results, const output_style& style, std::vector<column> columns);
 
   void add(std::vector<cell> cells);
 
@@ -22,7 +23,8 @@ class row_stream {
  private:
   void end();
 
-  const command_context& context_;
+  result_stream& results_;
+  output_style style_;
   std::vector<column> columns_;
   bool any_row_ = false;
 };

@@ -1,6 +1,6 @@
-// The devices behind a switch's interfaces as data.
-#ifndef CHNSW_NODE_RECORD_H
-#define CHNSW_NODE_RECORD_H
+// The devices behind a switch's interfaces as objects of a record.
+#ifndef CHNSW_NODE_RECORDS_H
+#define CHNSW_NODE_RECORDS_H
 
 #include <nlohmann/json_fwd.hpp>
 

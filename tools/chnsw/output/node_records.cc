@@ -1,4 +1,4 @@
-#include "inspect/chassis/node_record.h"
+#include "output/node_records.h"
 
 #include <fmt/format.h>
 
