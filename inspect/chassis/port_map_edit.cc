@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "inspect/error.h"
-#include "inspect/words/target_numbers.h"
+#include "inspect/words/number_lists.h"
+#include "inspect/words/port_lists.h"
 #include "vswitch/interface_index.h"
 
 namespace inspect {

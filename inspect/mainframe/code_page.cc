@@ -6,7 +6,7 @@
 
 #include "inspect/error.h"
 #include "inspect/mainframe/host_text.h"
-#include "inspect/words/target_numbers.h"
+#include "inspect/words/number_lists.h"
 #include "libchnsw.h"
 
 namespace inspect {

@@ -10,9 +10,10 @@
 #include "inspect/mainframe/host_text.h"
 #include "inspect/messages/byte_counts.h"
 #include "inspect/messages/hex_text.h"
+#include "inspect/words/number_lists.h"
+#include "inspect/words/port_lists.h"
 #include "inspect/words/printable_text.h"
 #include "inspect/words/status_names.h"
-#include "inspect/words/target_numbers.h"
 #include "libchnsw.h"
 #include "vswitch/node_descriptor.h"
 

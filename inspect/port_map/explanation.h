@@ -1,27 +1,26 @@
 // Why the library answered as it did: every entry that was considered, the counters, and the rule that decided.
-#ifndef CHNSW_EXPLANATION_H
-#define CHNSW_EXPLANATION_H
+#ifndef INSPECT_EXPLANATION_H
+#define INSPECT_EXPLANATION_H
 
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "inspect/port_map/port_map_walk.h"
+#include "inspect/port_map/port_answer.h"
+#include "inspect/port_map/port_map_search.h"
 #include "inspect/session/library_session.h"
-#include "output/result_document.h"
 
-namespace chnsw_tool {
+namespace inspect {
 
 // One call of the library, explained. Every explanation is worked out from the tables and compared with what the library
-// answered, and traced where it traces; a difference ends the command as an internal error.
+// answered, and traced where it traces; where they differ, a platform error is thrown.
 struct explanation {
   std::string translation; // "PA C0 to PN in VSAN 10"
   std::string operation;   // the library's name for it
   bool traced = false;     // whether entries and counters are in the library's own trace
   std::vector<considered_entry> entries;
-  std::optional<walk_counters> counters;
+  std::optional<search_counters> counters;
   std::vector<std::string> steps; // what was found on the way, where no entries are counted
   std::string rule;
   uint32_t status = 0;
@@ -30,22 +29,16 @@ struct explanation {
   std::vector<std::string> traces;
 };
 
-// fast: the library reads its cached tables.
-explanation explain_walk(const library_session& session, const walk_question& question, bool fast);
+// Every call behind an answer, in the order in which they follow from each other; none where the library was not asked. The
+// options are those that the answer was asked with.
+std::vector<explanation> explain_address(const library_session& session, const port_answer& answer,
+                                         const search_options& options);
+std::vector<explanation> explain_number(const library_session& session, const port_answer& answer,
+                                        const search_options& options);
+std::vector<explanation> explain_interface(const library_session& session, const port_answer& answer, bool skip_lag_check);
+std::vector<explanation> explain_slot(const library_session& session, const port_answer& answer);
+std::vector<explanation> explain_index(const library_session& session, const port_answer& answer);
 
-// Interface to PN, PA and index.
-explanation explain_interface(const library_session& session, uint32_t if_index, bool skip_lag_check);
-
-// Slot and port (from 1) to PN, PA and index.
-explanation explain_slot(const library_session& session, unsigned slot, unsigned port);
-
-// Index to interface, and to physical interface.
-explanation explain_index(const library_session& session, uint32_t index);
-explanation explain_physical_index(uint32_t index);
-
-// Puts explanations beside a row's values.
-void attach(const std::vector<explanation>& explanations, result_row& row);
-
-} // namespace chnsw_tool
+} // namespace inspect
 
 #endif

@@ -38,8 +38,8 @@ std::optional<traced_entry> read_number_entry(const char* text) {
   return traced;
 }
 
-std::optional<walk_counters> read_counters(const char* text) {
-  walk_counters counters;
+std::optional<search_counters> read_counters(const char* text) {
+  search_counters counters;
   int vsan = 0;
   int remembered = 0;
   unsigned bound_if = 0;
@@ -58,10 +58,6 @@ std::optional<walk_counters> read_counters(const char* text) {
 }
 
 } // namespace
-
-bool makes_trace(translation what) {
-  return what == translation::pa_to_pn || what == translation::pn_to_if;
-}
 
 library_trace read_trace(translation what, const std::vector<std::string>& events) {
   library_trace trace;

@@ -1,12 +1,12 @@
 // The library's own trace of a translation, read back from its text.
-#ifndef CHNSW_LIBRARY_TRACE_H
-#define CHNSW_LIBRARY_TRACE_H
+#ifndef INSPECT_LIBRARY_TRACE_H
+#define INSPECT_LIBRARY_TRACE_H
 
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "inspect/port_map/port_map_walk.h"
+#include "inspect/port_map/port_map_search.h"
 
 namespace inspect {
 
@@ -18,10 +18,8 @@ struct traced_entry {
 
 struct library_trace {
   std::vector<traced_entry> entries;
-  std::optional<walk_counters> counters;
+  std::optional<search_counters> counters;
 };
-
-bool makes_trace(translation what);
 
 library_trace read_trace(translation what, const std::vector<std::string>& events);
 

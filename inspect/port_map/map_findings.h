@@ -1,6 +1,6 @@
 // What is wrong, or worth knowing, in a port map, by the answers that the library gives.
-#ifndef CHNSW_MAP_FINDINGS_H
-#define CHNSW_MAP_FINDINGS_H
+#ifndef INSPECT_MAP_FINDINGS_H
+#define INSPECT_MAP_FINDINGS_H
 
 #include <cstdint>
 #include <optional>
@@ -25,7 +25,7 @@ enum class finding_kind {
 };
 
 const char* kind_name(finding_kind kind);
-bool is_note(finding_kind kind);
+bool is_note(finding_kind kind); // not wrong, but good to know
 
 struct finding {
   finding_kind kind;
@@ -36,11 +36,8 @@ struct finding {
   std::string why;
 };
 
-// Findings before notes, each in the order of what they are about.
+// Findings before notes, each in the order of what they are about. Throws a platform error when the library fails.
 std::vector<finding> find_in_map(const library_session& session);
-
-// Every VSAN that the switch has, or that its map names.
-std::vector<uint32_t> vsans_of(const vswitch::chassis_description& chassis);
 
 } // namespace inspect
 

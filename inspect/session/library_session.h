@@ -1,34 +1,36 @@
-// The switch that a command is about, and the library that answers for it.
-#ifndef CHNSW_LIBRARY_SESSION_H
-#define CHNSW_LIBRARY_SESSION_H
+// The library, answering for one switch.
+//
+// The library keeps one set of tables a process, so a process has one session at a time. A second one is refused while the
+// first is open; one after the other is ordinary. Who asks about many switches at once gives each a child process, which
+// opens a session of its own; a session that the parent had open does not count there, and must not be asked there.
+#ifndef INSPECT_LIBRARY_SESSION_H
+#define INSPECT_LIBRARY_SESSION_H
+
+#include <sys/types.h>
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "inspect/error.h"
+#include "inspect/session/opened_switch.h"
 #include "libchnsw.h"
 #include "vswitch/chassis_description.h"
 
 namespace inspect {
 
-// A chassis file, or a folder that holds a switch, as it was at one moment.
-struct opened_switch {
-  std::string path;
-  bool is_folder = false;
-  vswitch::chassis_description chassis;
+// From here on the library answers for this switch, frozen as it is; a folder's map may move on meanwhile. As long as one is
+// there, a second one is refused with a question error.
+class served_switch {
+ public:
+  explicit served_switch(const vswitch::chassis_description& chassis);
+  ~served_switch();
+  served_switch(const served_switch&) = delete;
+  served_switch& operator=(const served_switch&) = delete;
+
+ private:
+  pid_t process_; // that it belongs to
 };
-
-bool is_folder(const std::string& path);
-
-// Reads a switch, and lets the library look at the line cards of a chassis file. Throws error.
-opened_switch open_switch(const std::string& path);
-
-// From here on the library answers for this switch, frozen as it is. A folder's map may move on meanwhile; what a command
-// says is all of one moment.
-void serve(const vswitch::chassis_description& chassis);
 
 // The library, serving one switch, with the number of its ports made known to it.
 class library_session {
@@ -48,16 +50,12 @@ class library_session {
 
  private:
   opened_switch opened_;
+  served_switch served_;
   uint32_t ports_;
 };
 
 // What the library reports and traces while ask runs.
 std::vector<std::string> events_during(const std::function<void()>& ask);
-
-// Where a physical port stands in the port map by the library's slot numbering; none when the slot has no line card. The
-// library reads its tables there without a test, so beyond the last entry it must not be asked.
-std::optional<uint32_t> port_map_place(unsigned slot, unsigned port);
-bool is_beyond_port_map(uint32_t if_index);
 
 } // namespace inspect
 

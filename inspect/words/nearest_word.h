@@ -1,6 +1,6 @@
 // What was probably meant by a word that nothing is called by.
-#ifndef CHNSW_NEAREST_WORD_H
-#define CHNSW_NEAREST_WORD_H
+#ifndef INSPECT_NEAREST_WORD_H
+#define INSPECT_NEAREST_WORD_H
 
 #include <string>
 #include <string_view>

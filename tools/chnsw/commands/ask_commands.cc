@@ -6,10 +6,11 @@
 #include <algorithm>
 
 #include "inspect/messages/manager_questions.h"
-#include "inspect/port_map/map_findings.h"
+#include "inspect/port_map/vsan_ports.h"
+#include "inspect/words/number_lists.h"
+#include "inspect/words/port_lists.h"
 #include "inspect/words/printable_text.h"
 #include "inspect/words/status_names.h"
-#include "inspect/words/target_numbers.h"
 #include "output/node_columns.h"
 #include "output/port_row.h"
 #include "output/record_table.h"

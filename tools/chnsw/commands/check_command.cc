@@ -6,25 +6,31 @@
 #include <algorithm>
 
 #include "inspect/port_map/map_findings.h"
-#include "output/port_row.h"
+#include "inspect/port_map/vsan_ports.h"
+#include "output/cells.h"
+#include "output/record_table.h"
 
 namespace chnsw_tool {
 
 namespace {
 
-std::vector<column> finding_columns() {
-  return {{"kind", "KIND"},
-          {"what", "WHAT"},
-          {"vsan", "VSAN"},
-          {"indexes", "INDEXES"},
-          {"status", "", 0, false, column::data_only},
-          {"note", "", 0, false, column::data_only},
-          {"why", "WHY"}};
+using inspect::finding;
+using inspect::library_session;
+
+cell kind_cell(const finding& found) {
+  return toned_text{kind_name(found.kind), is_note(found.kind) ? tone::faint : tone::bad};
 }
 
-void add_finding(const finding& found, result_document& document) {
-  document.add({toned_text{kind_name(found.kind), is_note(found.kind) ? tone::faint : tone::bad}, found.what,
-                optional_cell(found.vsan), found.indexes, status{found.status}, is_note(found.kind), found.why});
+std::span<const record_column<finding>> finding_table() {
+  static const record_column<finding> kTable[] = {
+      {{"kind", "KIND"}, kind_cell},
+      {{"what", "WHAT"}, [](const finding& of) -> cell { return of.what; }},
+      {{"vsan", "VSAN"}, [](const finding& of) { return optional_cell(of.vsan); }},
+      {{"indexes", "INDEXES"}, [](const finding& of) -> cell { return of.indexes; }},
+      {{"status", "", 0, false, column::data_only}, [](const finding& of) { return status_cell(of.status); }},
+      {{"note", "", 0, false, column::data_only}, [](const finding& of) -> cell { return is_note(of.kind); }},
+      {{"why", "WHY"}, [](const finding& of) -> cell { return of.why; }}};
+  return kTable;
 }
 
 std::string counted(size_t number, const char* thing) {
@@ -32,7 +38,7 @@ std::string counted(size_t number, const char* thing) {
 }
 
 std::string summary(const library_session& session, size_t findings, size_t notes, bool notes_shown) {
-  auto vsans = vsans_of(session.chassis());
+  auto vsans = inspect::vsans_of(session.chassis());
   std::string text = fmt::format("tried {} port addresses and port numbers without a VSAN", session.ports());
   if (!vsans.empty()) text += fmt::format(" and in VSAN{} {}", vsans.size() == 1 ? "" : "s", fmt::join(vsans, ", "));
   text += fmt::format(": {}, {}", counted(findings, "finding"), counted(notes, "note"));
@@ -42,13 +48,13 @@ std::string summary(const library_session& session, size_t findings, size_t note
 } // namespace
 
 exit_code check_switch(const command_context& context, const check_options& options) {
-  library_session session = context.open_session();
+  const library_session session = context.open_session();
   auto found = find_in_map(session);
   auto notes =
       static_cast<size_t>(std::count_if(found.begin(), found.end(), [](const auto& one) { return is_note(one.kind); }));
-  result_document document{finding_columns(), {}};
+  result_document document{columns_of(finding_table()), {}};
   for (const auto& one : found)
-    if (options.notes || !is_note(one.kind)) add_finding(one, document);
+    if (options.notes || !is_note(one.kind)) document.add(cells_of(finding_table(), one));
   context.print(document);
   notice(summary(session, found.size() - notes, notes, options.notes));
   return found.size() == notes ? kFound : kNotFound;

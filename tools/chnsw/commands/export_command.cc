@@ -5,7 +5,8 @@
 #include <nlohmann/json.hpp>
 
 #include "commands/map_commands.h"
-#include "inspect/port_map/port_map_walk.h"
+#include "inspect/port_map/map_entries.h"
+#include "inspect/port_map/port_map_tables.h"
 #include "output/node_records.h"
 #include "vswitch/chassis_file.h"
 #include "vswitch/interface_index.h"

@@ -12,15 +12,18 @@
 #include <filesystem>
 #include <string_view>
 
-#include "output/chassis_picture.h"
-#include "output/port_row.h"
+#include "inspect/chassis/front.h"
+#include "output/cells.h"
+#include "output/front_svg.h"
+#include "output/front_text.h"
+#include "output/record_table.h"
 
 namespace chnsw_tool {
 
 namespace {
 
 [[noreturn]] void refuse(const std::string& path, int error) {
-  throw platform_error(fmt::format("the picture cannot be written to {}: {}", path, std::strerror(error)));
+  throw inspect::platform_error(fmt::format("the picture cannot be written to {}: {}", path, std::strerror(error)));
 }
 
 // Closes the file; returns 0, or the error that kept the text from getting there whole.
@@ -70,54 +73,68 @@ void write_file(const std::string& path, const std::string& text) {
   replace_file(std::filesystem::canonical(path).string(), text, found.st_mode & 07777);
 }
 
-const char* content_name(pictured_slot::content content) {
-  if (content == pictured_slot::content::card) return "card";
-  return content == pictured_slot::content::supervisor ? "supervisor" : "empty";
+// One row of the front as data: a port, or a slot without ports.
+struct front_row {
+  const inspect::front_slot& slot;
+  const inspect::front_port* port; // null for a slot without ports
+};
+
+// A port's cell; none for a slot without ports.
+cell port_value(const front_row& row, cell (*value)(const inspect::front_port&)) {
+  return row.port != nullptr ? value(*row.port) : cell();
 }
 
-cell unless_zero(uint32_t number) {
-  return vsan_cell(number);
+std::span<const record_column<front_row>> front_table() {
+  using inspect::front_port;
+  static const record_column<front_row> kTable[] = {
+      {{"slot", ""}, [](const front_row& of) -> cell { return int64_t{of.slot.slot}; }},
+      {{"holds", ""}, [](const front_row& of) -> cell { return std::string(content_name(of.slot.holds)); }},
+      {{"card_name", ""}, [](const front_row& of) -> cell { return of.slot.name; }},
+      {{"port", ""},
+       [](const front_row& of) { return port_value(of, [](const front_port& at) -> cell { return int64_t{at.port}; }); }},
+      {{"interface", ""},
+       [](const front_row& of) {
+         return port_value(of, [](const front_port& at) { return interface_name_cell(at.if_index); });
+       }},
+      {{"if_index", "", 8},
+       [](const front_row& of) {
+         return port_value(of, [](const front_port& at) { return interface_cell(at.if_index); });
+       }},
+      {{"index", ""},
+       [](const front_row& of) { return port_value(of, [](const front_port& at) { return optional_cell(at.index); }); }},
+      {{"pn", "", 2},
+       [](const front_row& of) { return port_value(of, [](const front_port& at) { return optional_cell(at.pn); }); }},
+      {{"pa", "", 2},
+       [](const front_row& of) { return port_value(of, [](const front_port& at) { return optional_cell(at.pa); }); }},
+      {{"port_vsan", ""},
+       [](const front_row& of) { return port_value(of, [](const front_port& at) { return vsan_cell(at.vsan); }); }},
+      {{"port_channel", ""},
+       [](const front_row& of) { return port_value(of, [](const front_port& at) { return vsan_cell(at.channel); }); }}};
+  return kTable;
 }
 
-// The picture as data: a row a port, and one for a slot without ports.
-result_document as_document(const chassis_picture& picture) {
-  result_document document{{{"slot", ""},
-                            {"holds", ""},
-                            {"card_name", ""},
-                            {"port", ""},
-                            {"interface", ""},
-                            {"if_index", "", 8},
-                            {"index", ""},
-                            {"pn", "", 2},
-                            {"pa", "", 2},
-                            {"port_vsan", ""},
-                            {"port_channel", ""}},
-                           {}};
-  for (const auto& slot : picture.slots) {
-    cell where = int64_t{slot.slot};
-    cell holds = std::string(content_name(slot.holds));
-    if (slot.ports.empty()) document.add({where, holds, slot.name, {}, {}, {}, {}, {}, {}, {}, {}});
-    for (const auto& port : slot.ports)
-      document.add({where, holds, slot.name, int64_t{port.port}, interface_name_cell(port.if_index),
-                    interface_cell(port.if_index), optional_cell(port.index), optional_cell(port.pn),
-                    optional_cell(port.pa), unless_zero(port.vsan), unless_zero(port.channel)});
+result_document as_document(const inspect::chassis_front& front) {
+  std::vector<front_row> rows;
+  for (const auto& slot : front.slots) {
+    if (slot.ports.empty()) rows.push_back({slot, nullptr});
+    for (const auto& port : slot.ports) rows.push_back({slot, &port});
   }
-  return document;
+  return document_of(front_table(), rows);
 }
 
 } // namespace
 
 exit_code show_front(const command_context& context, const front_options& options) {
-  library_session session = context.open_session();
-  chassis_picture picture = picture_of(session);
+  const inspect::library_session session = context.open_session();
+  const inspect::chassis_front front = front_of(session);
   if (options.svg == "-") {
-    context.results.write(draw_svg(picture));
+    context.results.write(draw_front_svg(front));
   } else if (!options.svg.empty()) {
-    write_file(options.svg, draw_svg(picture));
+    write_file(options.svg, draw_front_svg(front));
   } else if (context.style.format == output_format::table) {
-    context.results.write(draw_text(picture, context.style.colour));
+    context.results.write(draw_front_text(front, context.style.colour));
   } else {
-    context.print(as_document(picture));
+    context.print(as_document(front));
   }
   return kFound;
 }

@@ -1,41 +1,39 @@
 // The chassis as a record with parts.
 #include "commands/info_command.h"
-#include "inspect/words/printable_text.h"
 
 #include <fmt/format.h>
 
 #include <nlohmann/json.hpp>
 
+#include "inspect/chassis/chassis_facts.h"
+#include "inspect/words/printable_text.h"
+#include "output/cells.h"
 #include "output/node_records.h"
-#include "output/port_row.h"
+#include "output/record_table.h"
 #include "vswitch/interface_index.h"
+#include "vswitch/node_descriptor.h"
 
 namespace chnsw_tool {
 
 namespace {
 
+using inspect::card_facts;
+using inspect::chassis_facts;
+using inspect::library_session;
+using inspect::vsan_facts;
 using nlohmann::ordered_json;
+using vswitch::chassis_description;
 
-struct library_facts {
-  int32_t highest_port_number = 0;
-  uint32_t change_counter = 0;
-};
-
-library_facts ask_library() {
-  library_facts facts;
-  facts.highest_port_number = ficon_cmi_get_max_portnumber();
-  ficon_cmi_get_pmap_change_counter(&facts.change_counter);
-  return facts;
-}
-
-int64_t line_card_of(unsigned slot) {
-  uint8_t card = 0;
-  return ficonm_platform_slot_to_lc_b0(static_cast<uint8_t>(slot - 1), &card) == 0 ? int64_t{card} : -1;
-}
-
-std::string record_text(const vswitch::chassis_description& chassis) {
+std::string record_text(const chassis_description& chassis) {
   return fmt::format("{:02x}", fmt::join(chassis.platform_record, " "));
 }
+
+// -1 for a card that the library finds no place for.
+int64_t line_card_number(const card_facts& card) {
+  return card.line_card ? int64_t{*card.line_card} : -1;
+}
+
+// ---- Data ----
 
 std::vector<std::string> names_of(const std::vector<uint32_t>& interfaces) {
   std::vector<std::string> names;
@@ -44,23 +42,13 @@ std::vector<std::string> names_of(const std::vector<uint32_t>& interfaces) {
   return names;
 }
 
-unsigned ports_in_vsan(const library_session& session, uint16_t vsan) {
-  unsigned ports = 0;
-  const uint16_t* table = session.port_to_vsan();
-  for (unsigned index = 0; index < FICON_PMAP_PHYS_ENTRIES; ++index)
-    if (table[index] == vsan) ++ports;
-  return ports;
-}
-
-ordered_json parts(const library_session& session) {
-  const auto& chassis = session.chassis();
+ordered_json parts_of(const chassis_description& chassis, const chassis_facts& facts) {
   ordered_json cards = ordered_json::array();
-  for (const auto& card : chassis.line_cards)
+  for (const auto& card : facts.cards)
     cards.push_back(
-        {{"slot", card.slot}, {"line_card", line_card_of(card.slot)}, {"ports", card.ports}, {"name", card.name}});
+        {{"slot", card.slot}, {"line_card", line_card_number(card)}, {"ports", card.ports}, {"name", card.name}});
   ordered_json vsans = ordered_json::array();
-  for (const auto& [number, name] : chassis.vsans)
-    vsans.push_back({{"vsan", number}, {"name", name}, {"ports", ports_in_vsan(session, number)}});
+  for (const auto& vsan : facts.vsans) vsans.push_back({{"vsan", vsan.vsan}, {"name", vsan.name}, {"ports", vsan.ports}});
   ordered_json interfaces = ordered_json::array();
   for (const auto& interface : chassis.interfaces)
     interfaces.push_back({{"interface", vswitch::interface_name(interface.if_index)},
@@ -70,9 +58,8 @@ ordered_json parts(const library_session& session) {
   return {{"line_cards", cards}, {"vsans", vsans}, {"logical_interfaces", interfaces}, {"nodes", node_records(chassis)}};
 }
 
-ordered_json record_of(const library_session& session) {
+ordered_json record_of(const library_session& session, const chassis_facts& facts) {
   const auto& chassis = session.chassis();
-  library_facts facts = ask_library();
   ordered_json record = {{"name", chassis.name},
                          {"switch", session.opened().path},
                          {"slots", chassis.slots()},
@@ -80,33 +67,73 @@ ordered_json record_of(const library_session& session) {
                          {"supervisors", chassis.supervisors},
                          {"platform_record", record_text(chassis)},
                          {"highest_port_number", facts.highest_port_number},
-                         {"max_ficon_ports", session.ports()},
+                         {"max_ficon_ports", facts.max_ficon_ports},
                          {"change_counter", facts.change_counter}};
-  record.update(parts(session));
+  record.update(parts_of(chassis, facts));
   return record;
 }
 
-// ---- Table ----
+// ---- Tables ----
 
-std::string text_or_dash(const std::string& text) {
-  return text.empty() ? "-" : printable(text);
-}
-
-std::string summary_table(const ordered_json& record) {
+std::string summary_table(const library_session& session, const chassis_facts& facts) {
+  const auto& chassis = session.chassis();
   std::string text;
   auto line = [&text](const char* label, const std::string& value) { text += fmt::format("{:<21}{}\n", label, value); };
-  line("name", text_or_dash(record["name"].get<std::string>()));
-  line("switch", printable(record["switch"].get<std::string>()));
-  line("slots", record["slots"].dump());
-  line("type", record["type"].dump());
-  line("supervisors in slots",
-       record["supervisors"].empty()
-           ? "-"
-           : fmt::format("{}", fmt::join(record["supervisors"].get<std::vector<unsigned>>(), ", ")));
-  line("platform record", record["platform_record"].get<std::string>());
-  line("highest port number", record["highest_port_number"].dump());
-  line("change counter", record["change_counter"].dump());
+  line("name", chassis.name.empty() ? "-" : inspect::printable(chassis.name));
+  line("switch", inspect::printable(session.opened().path));
+  line("slots", std::to_string(chassis.slots()));
+  line("type", std::to_string(chassis.type));
+  line("supervisors in slots", chassis.supervisors.empty() ? "-" : fmt::format("{}", fmt::join(chassis.supervisors, ", ")));
+  line("platform record", record_text(chassis));
+  line("highest port number", std::to_string(facts.highest_port_number));
+  line("change counter", std::to_string(facts.change_counter));
   return text;
+}
+
+std::span<const record_column<card_facts>> card_table() {
+  static const record_column<card_facts> kTable[] = {
+      {{"slot", "SLOT"}, [](const card_facts& of) -> cell { return int64_t{of.slot}; }},
+      {{"line_card", "LINE CARD"}, [](const card_facts& of) -> cell { return line_card_number(of); }},
+      {{"ports", "PORTS"}, [](const card_facts& of) -> cell { return int64_t{of.ports}; }},
+      {{"name", "NAME"}, [](const card_facts& of) -> cell { return of.name; }}};
+  return kTable;
+}
+
+std::span<const record_column<vsan_facts>> vsan_table() {
+  static const record_column<vsan_facts> kTable[] = {
+      {{"vsan", "VSAN"}, [](const vsan_facts& of) -> cell { return int64_t{of.vsan}; }},
+      {{"ports", "PORTS"}, [](const vsan_facts& of) -> cell { return int64_t{of.ports}; }},
+      {{"name", "NAME"}, [](const vsan_facts& of) -> cell { return of.name; }}};
+  return kTable;
+}
+
+std::span<const record_column<vswitch::logical_interface>> logical_interface_table() {
+  using vswitch::logical_interface;
+  static const record_column<logical_interface> kTable[] = {
+      {{"interface", "INTERFACE"}, [](const logical_interface& of) { return interface_name_cell(of.if_index); }},
+      {{"if_index", "IF-INDEX", 8, true}, [](const logical_interface& of) { return interface_cell(of.if_index); }},
+      {{"members", "MEMBERS"}, [](const logical_interface& of) -> cell { return interface_names(of.members); }}};
+  return kTable;
+}
+
+struct node_row {
+  uint32_t if_index;
+  vswitch::node_descriptor node;
+};
+
+std::span<const record_column<node_row>> node_table() {
+  using vswitch::without_blanks;
+  static const record_column<node_row> kTable[] = {
+      {{"interface", "INTERFACE"}, [](const node_row& of) { return interface_name_cell(of.if_index); }},
+      {{"type", "TYPE"}, [](const node_row& of) -> cell { return without_blanks(of.node.type); }},
+      {{"model", "MODEL"}, [](const node_row& of) -> cell { return without_blanks(of.node.model); }},
+      {{"manufacturer", "MANUFACTURER"}, [](const node_row& of) -> cell { return without_blanks(of.node.manufacturer); }},
+      {{"plant", "PLANT"}, [](const node_row& of) -> cell { return without_blanks(of.node.plant); }},
+      {{"sequence", "SEQUENCE"}, [](const node_row& of) -> cell { return without_blanks(of.node.sequence); }},
+      {{"tag", "TAG", 4, true}, [](const node_row& of) -> cell { return int64_t{of.node.tag}; }},
+      {{"flags", "FLAGS", 8, true}, [](const node_row& of) -> cell { return int64_t{of.node.flags}; }},
+      {{"codepage", "CODE PAGE"}, [](const node_row& of) -> cell { return int64_t{of.node.codepage}; }}};
+  return kTable;
 }
 
 std::string section(const char* title, const result_document& document, const output_style& style) {
@@ -114,52 +141,23 @@ std::string section(const char* title, const result_document& document, const ou
   return fmt::format("\n{}\n{}", coloured(title, tone::strong, style.colour), render(document, style));
 }
 
-std::string joined_names(const ordered_json& names) {
-  return fmt::format("{}", fmt::join(names.get<std::vector<std::string>>(), " "));
-}
-
-result_document nodes_table(const ordered_json& record) {
-  result_document nodes{{{"interface", "INTERFACE"},
-                         {"type", "TYPE"},
-                         {"model", "MODEL"},
-                         {"manufacturer", "MANUFACTURER"},
-                         {"plant", "PLANT"},
-                         {"sequence", "SEQUENCE"},
-                         {"tag", "TAG", 4, true},
-                         {"flags", "FLAGS", 8, true},
-                         {"codepage", "CODE PAGE"}},
-                        {}};
-  for (const auto& node : record["nodes"]) {
-    auto text = [&node](const char* key) { return node[key].get<std::string>(); };
-    nodes.add({text("interface"), text("type"), text("model"), text("manufacturer"), text("plant"), text("sequence"),
-               node["tag"].get<int64_t>(), node["flags"].get<int64_t>(), node["codepage"].get<int64_t>()});
-  }
-  return nodes;
-}
-
-std::string table_of(const ordered_json& record, const output_style& style) {
-  result_document cards{{{"slot", "SLOT"}, {"line_card", "LINE CARD"}, {"ports", "PORTS"}, {"name", "NAME"}}, {}};
-  for (const auto& card : record["line_cards"])
-    cards.add({card["slot"].get<int64_t>(), card["line_card"].get<int64_t>(), card["ports"].get<int64_t>(),
-               card["name"].get<std::string>()});
-  result_document vsans{{{"vsan", "VSAN"}, {"ports", "PORTS"}, {"name", "NAME"}}, {}};
-  for (const auto& vsan : record["vsans"])
-    vsans.add({vsan["vsan"].get<int64_t>(), vsan["ports"].get<int64_t>(), vsan["name"].get<std::string>()});
-  result_document interfaces{{{"interface", "INTERFACE"}, {"if_index", "IF-INDEX", 8, true}, {"members", "MEMBERS"}}, {}};
-  for (const auto& interface : record["logical_interfaces"])
-    interfaces.add({interface["interface"].get<std::string>(), interface["if_index"].get<int64_t>(),
-                    joined_names(interface["members"])});
-  return summary_table(record) + section("Line cards", cards, style) + section("VSANs", vsans, style) +
-         section("Logical interfaces", interfaces, style) + section("Nodes", nodes_table(record), style);
+std::string tables_of(const library_session& session, const chassis_facts& facts, const output_style& style) {
+  const auto& chassis = session.chassis();
+  std::vector<node_row> nodes;
+  for (const auto& [if_index, node] : chassis.nodes) nodes.push_back({if_index, node});
+  return summary_table(session, facts) + section("Line cards", document_of(card_table(), facts.cards), style) +
+         section("VSANs", document_of(vsan_table(), facts.vsans), style) +
+         section("Logical interfaces", document_of(logical_interface_table(), chassis.interfaces), style) +
+         section("Nodes", document_of(node_table(), nodes), style);
 }
 
 } // namespace
 
 exit_code show_info(const command_context& context, const no_options&) {
-  library_session session = context.open_session();
-  ordered_json record = record_of(session);
-  std::string table = context.style.format == output_format::table ? table_of(record, context.style) : "";
-  context.results.write(render_record(record, table, context.style));
+  const library_session session = context.open_session();
+  const chassis_facts facts = facts_of(session);
+  std::string tables = context.style.format == output_format::table ? tables_of(session, facts, context.style) : "";
+  context.results.write(render_record(record_of(session, facts), tables, context.style));
   return kFound;
 }
 

@@ -2,6 +2,7 @@
 #ifndef CHNSW_MAP_COMMANDS_H
 #define CHNSW_MAP_COMMANDS_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -33,8 +34,7 @@ exit_code show_next(const command_context& context, const walk_options& options)
 exit_code show_last(const command_context& context, const walk_options& options);
 
 // The map of a switch that the library serves; watch redraws it.
-result_document map_document(const library_session& session, const std::vector<uint32_t>& indexes);
-std::vector<uint32_t> indexes_in_use(const library_session& session);
+result_document map_document(const inspect::library_session& session, const std::vector<uint32_t>& indexes);
 
 std::vector<command> map_commands();  // map, vsan, logical
 std::vector<command> walk_commands(); // next, last

@@ -6,8 +6,9 @@
 #include <algorithm>
 
 #include "inspect/messages/manager_orders.h"
-#include "inspect/port_map/map_findings.h"
-#include "inspect/words/target_numbers.h"
+#include "inspect/port_map/vsan_ports.h"
+#include "inspect/words/number_lists.h"
+#include "inspect/words/port_lists.h"
 #include "output/port_row.h"
 #include "output/record_table.h"
 #include "vswitch/interface_index.h"

@@ -1,7 +1,7 @@
 #include "commands/swap_command.h"
 
 #include "inspect/messages/swap_session.h"
-#include "inspect/words/target_numbers.h"
+#include "inspect/words/port_lists.h"
 #include "output/port_row.h"
 #include "output/record_table.h"
 #include "output/row_stream.h"

@@ -8,6 +8,7 @@
 
 #include "commands/map_commands.h"
 #include "inspect/chassis/switch_watch.h"
+#include "inspect/port_map/map_entries.h"
 #include "inspect/words/printable_text.h"
 #include "interruption.h"
 #include "output/difference_columns.h"
