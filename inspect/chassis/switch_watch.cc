@@ -37,12 +37,12 @@ switch_watch::switch_watch(const std::string& folder) : folder_(folder) {
 }
 
 void switch_watch::require_in_place() {
-  switch (store_->state_of_folder()) {
-    case vswitch::folder_state::in_place:
+  switch (store_->presence()) {
+    case vswitch::switch_presence::in_place:
       return;
-    case vswitch::folder_state::removed:
+    case vswitch::switch_presence::removed:
       throw platform_error(folder_ + ": the switch was removed");
-    case vswitch::folder_state::made_anew:
+    case vswitch::switch_presence::made_anew:
       throw platform_error(folder_ + ": the switch was removed and made anew; start watch again");
   }
 }

@@ -2,7 +2,6 @@
 #include "inspect/session/opened_switch.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -84,8 +83,7 @@ vswitch::chassis_description read_folder(const std::string& path) {
 } // namespace
 
 bool is_folder(const std::string& path) {
-  struct stat found;
-  return ::stat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
+  return vswitch::switch_store::names_switch(path);
 }
 
 opened_switch open_switch(const std::string& path) {

@@ -1,5 +1,5 @@
 // The transport's frames. The whole input is a packet.
-#include "vswitch/message_frame.h"
+#include "messages/message_frame.h"
 
 #include <algorithm>
 

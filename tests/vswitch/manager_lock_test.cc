@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vswitch/manager_lock.h>
 #include <vswitch/switch_store.h>
 
 #include <atomic>
@@ -11,6 +10,7 @@
 #include <functional>
 #include <thread>
 
+#include "store/lmdb/manager_lock.h"
 #include "test_switch.h"
 
 namespace {

@@ -371,18 +371,18 @@ TEST_F(SwitchFolder, StateTellsWhetherItWasRemovedOrMadeAnew) {
   auto store = switch_store::open(path());
   store->change_map([](port_map& map) { map = map_of(3); });
   switch_store::create(path(), small_switch());
-  EXPECT_EQ(store->state_of_folder(), folder_state::in_place);
+  EXPECT_EQ(store->presence(), switch_presence::in_place);
   fs::rename(path(), path("moved"));
-  EXPECT_EQ(store->state_of_folder(), folder_state::removed);
+  EXPECT_EQ(store->presence(), switch_presence::removed);
   switch_store::create(path(), small_switch());
-  EXPECT_EQ(store->state_of_folder(), folder_state::made_anew);
-  EXPECT_EQ(switch_store::open(path())->state_of_folder(), folder_state::in_place);
+  EXPECT_EQ(store->presence(), switch_presence::made_anew);
+  EXPECT_EQ(switch_store::open(path())->presence(), switch_presence::in_place);
   fs::remove(path() + "/data.mdb");
-  EXPECT_EQ(store->state_of_folder(), folder_state::removed);
+  EXPECT_EQ(store->presence(), switch_presence::removed);
 }
 
 TEST(SwitchInMemory, IsAlwaysInPlace) {
-  EXPECT_EQ(switch_store::in_memory(small_switch())->state_of_folder(), folder_state::in_place);
+  EXPECT_EQ(switch_store::in_memory(small_switch())->presence(), switch_presence::in_place);
 }
 
 TEST_F(SwitchFolder, ReplacementMovesTheCounterWhenTheMapDiffers) {

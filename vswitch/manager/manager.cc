@@ -103,7 +103,7 @@ class manager {
 
   const manager_options& options_;
   switch_store& store_;
-  const std::shared_ptr<manager_lock> lock_;
+  const std::shared_ptr<manager_role> role_;
   const owned_end requests_;
   const owned_end listeners_;
   outbox answers_;
@@ -117,7 +117,7 @@ class manager {
 manager::manager(const manager_options& options)
     : options_(options),
       store_(store_in_use()),
-      lock_(store_.serve()),
+      role_(store_.serve()),
       requests_(open_end(kManagerAddress.service_point)),
       listeners_(open_end(kNoticeAddress.service_point)),
       answers_(requests_.get(), [this](uint64_t peer, int error) { log_loss("", peer, error); }),
@@ -203,7 +203,7 @@ void manager::look_after_folder() {
   const int64_t now = now_ms();
   if (now - folder_seen_ms_ < kFolderLookMs) return;
   folder_seen_ms_ = now;
-  if (store_.state_of_folder() != folder_state::in_place) throw switch_error(store_.folder() + ": the switch was removed");
+  if (store_.presence() != switch_presence::in_place) throw switch_error(store_.name() + ": the switch was removed");
 }
 
 void manager::look_after_swaps() {

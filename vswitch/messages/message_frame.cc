@@ -1,4 +1,4 @@
-#include "vswitch/message_frame.h"
+#include "messages/message_frame.h"
 
 #include <cstring>
 

@@ -87,13 +87,13 @@ int refusal_of(const void* payload, uint32_t length) noexcept {
 
 std::unique_ptr<msgq> open_end(uint32_t service_point) {
   const switch_store* store = switch_in_use();
-  if (store == nullptr || store->folder().empty()) {
+  if (store == nullptr || store->message_place().empty()) {
     errno = ENODEV;
     return nullptr;
   }
   auto end = std::make_unique<msgq>();
   list(end.get());
-  if (int error = end->open(store->folder(), service_point)) {
+  if (int error = end->open(store->message_place(), service_point)) {
     unlist(end.get());
     end.reset();
     errno = error;

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "vswitch/message_frame.h"
+#include "messages/message_frame.h"
 
 namespace vswitch {
 class message_pool;

@@ -23,8 +23,7 @@ void read_view(switch_state& state) {
 }
 
 std::unique_ptr<switch_store> open_path(const char* path) {
-  struct stat status {};
-  if (stat(path, &status) == 0 && S_ISDIR(status.st_mode)) return switch_store::open(path);
+  if (switch_store::names_switch(path)) return switch_store::open(path);
   return switch_store::in_memory(read_chassis_file(path));
 }
 

@@ -16,11 +16,12 @@
 #include <cstring>
 #include <optional>
 
+#include "messages/local/message_folder.h"
+
 namespace vswitch {
 
 namespace {
 
-constexpr char kFolder[] = "msgq";
 constexpr int kBacklog = 128;
 // What may wait in one direction of a connection, as the system counts it: three of the longest messages, or some ninety
 // small ones. Said here, since a default may be too small for one long message.
@@ -74,8 +75,8 @@ bool is_this_user(const std::optional<ucred>& who) noexcept {
 
 // The folder of the sockets, made when there is none; nobody else may own it or get in.
 descriptor hold_socket_folder(const descriptor& folder) noexcept {
-  if (mkdirat(folder.number(), kFolder, 0700) != 0 && errno != EEXIST) return {};
-  descriptor held(openat(folder.number(), kFolder, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (mkdirat(folder.number(), kMessageFolder, 0700) != 0 && errno != EEXIST) return {};
+  descriptor held(openat(folder.number(), kMessageFolder, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   if (!held.open()) return failed_with(errno == EACCES ? EPERM : errno);
   struct stat status {};
   if (fstat(held.number(), &status) != 0) return {};
@@ -131,13 +132,6 @@ int connect_error(int error) noexcept {
 
 } // namespace
 
-void descriptor::reset() noexcept {
-  if (number_ < 0) return;
-  const int error = errno;
-  close(std::exchange(number_, -1));
-  errno = error;
-}
-
 descriptor hold_folder(const std::string& path) noexcept {
   return descriptor(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
@@ -160,14 +154,14 @@ descriptor serve_point(const descriptor& folder, uint32_t service_point, descrip
 }
 
 void stop_serving(const descriptor& folder, uint32_t service_point) noexcept {
-  char path[sizeof kFolder + sizeof(file_name)];
-  std::snprintf(path, sizeof path, "%s/%s", kFolder, socket_name(service_point).text);
+  char path[sizeof kMessageFolder + sizeof(file_name)];
+  std::snprintf(path, sizeof path, "%s/%s", kMessageFolder, socket_name(service_point).text);
   unlinkat(folder.number(), path, 0);
 }
 
 descriptor connect_to_point(const descriptor& folder, uint32_t service_point) noexcept {
-  char path[sizeof kFolder + sizeof(file_name)];
-  std::snprintf(path, sizeof path, "%s/%s", kFolder, socket_name(service_point).text);
+  char path[sizeof kMessageFolder + sizeof(file_name)];
+  std::snprintf(path, sizeof path, "%s/%s", kMessageFolder, socket_name(service_point).text);
   descriptor connection = make_socket();
   if (!connection.open()) return {};
   const sockaddr_un address = address_of(folder, path);

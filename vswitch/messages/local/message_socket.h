@@ -10,34 +10,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <utility>
 
-#include "vswitch/message_frame.h"
+#include "messages/message_frame.h"
+#include "vswitch/descriptor.h"
 
 namespace vswitch {
-
-// A file descriptor, closed with its owner.
-class descriptor {
- public:
-  descriptor() = default;
-  explicit descriptor(int number) : number_(number) {}
-  ~descriptor() { reset(); }
-  descriptor(descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-  descriptor& operator=(descriptor&& other) noexcept {
-    if (this != &other) {
-      reset();
-      number_ = std::exchange(other.number_, -1);
-    }
-    return *this;
-  }
-
-  bool open() const noexcept { return number_ >= 0; }
-  int number() const noexcept { return number_; }
-  void reset() noexcept; // leaves errno alone
-
- private:
-  int number_ = -1;
-};
 
 // Operations return a descriptor that is not open, with errno, when they fail.
 

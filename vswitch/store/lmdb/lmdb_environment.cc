@@ -12,7 +12,7 @@
 #include <new>
 #include <utility>
 
-#include "vswitch/switch_store.h"
+#include "vswitch/switch_error.h"
 
 namespace vswitch {
 
@@ -23,6 +23,7 @@ namespace {
 constexpr size_t kMapBytes = size_t{256} << 20;
 constexpr unsigned kReaders = 1022;
 constexpr mode_t kFileMode = 0664;
+constexpr char kInMemory[] = "switch in memory"; // as messages call it
 
 using file_identity = std::pair<dev_t, ino_t>;
 
@@ -45,6 +46,13 @@ held_environments& held() {
 
 [[noreturn]] void fail(const std::string& place, const std::string& what, int error) {
   throw switch_error(place + ": " + what + ": " + mdb_strerror(error));
+}
+
+// A file in memory without a name.
+descriptor make_anonymous_file() {
+  descriptor file(memfd_create("switch", MFD_CLOEXEC));
+  if (!file.open()) fail(kInMemory, "no file in memory", errno);
+  return file;
 }
 
 std::optional<file_identity> identity_of(const std::string& file) {
@@ -109,45 +117,24 @@ std::shared_ptr<lmdb_environment> lmdb_environment::open_folder(const std::strin
 }
 
 // Nobody else can open the file, so nothing is locked and nothing is made durable.
-std::shared_ptr<lmdb_environment> lmdb_environment::open_descriptor(int descriptor) {
-  std::shared_ptr<lmdb_environment> environment(new lmdb_environment("switch in memory"));
-  const std::string path = "/proc/self/fd/" + std::to_string(descriptor);
+std::shared_ptr<lmdb_environment> lmdb_environment::open_file(const descriptor& file) {
+  std::shared_ptr<lmdb_environment> environment(new lmdb_environment(kInMemory));
+  const std::string path = "/proc/self/fd/" + std::to_string(file.number());
   environment->open(path.c_str(), MDB_NOSUBDIR | MDB_NOLOCK | MDB_NOSYNC);
   return environment;
 }
 
-namespace {
-
-// A file in memory without a name.
-class anonymous_file {
- public:
-  anonymous_file() : descriptor_(memfd_create("switch", MFD_CLOEXEC)) {
-    if (descriptor_ < 0) fail("switch in memory", "no file in memory", errno);
-  }
-  ~anonymous_file() { close(descriptor_); }
-  anonymous_file(const anonymous_file&) = delete;
-  anonymous_file& operator=(const anonymous_file&) = delete;
-
-  int descriptor() const { return descriptor_; }
-
- private:
-  int descriptor_;
-};
-
-} // namespace
-
 std::shared_ptr<lmdb_environment> lmdb_environment::open_memory() {
-  anonymous_file file;
-  return open_descriptor(file.descriptor());
+  return open_file(make_anonymous_file());
 }
 
 std::shared_ptr<lmdb_environment> lmdb_environment::copy_in_memory(const lmdb_environment& other) {
   for (;;) {
-    anonymous_file file;
+    const descriptor file = make_anonymous_file();
     const size_t before = other.last_transaction();
-    if (int error = mdb_env_copyfd(other.handle_, file.descriptor())) fail(other.place_, "cannot be copied", error);
+    if (int error = mdb_env_copyfd(other.handle_, file.number())) fail(other.place_, "cannot be copied", error);
     // Nothing keeps the parent from writing meanwhile, and a page may be used again after two of its transactions.
-    if (other.last_transaction() == before) return open_descriptor(file.descriptor());
+    if (other.last_transaction() == before) return open_file(file);
   }
 }
 

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "store/lmdb/switch_records.h"
+#include "vswitch/descriptor.h"
 
 namespace vswitch {
 
@@ -54,7 +55,7 @@ class lmdb_environment {
   explicit lmdb_environment(std::string place);
   void open(const char* path, unsigned flags);
   void require_all_pages();
-  static std::shared_ptr<lmdb_environment> open_descriptor(int descriptor);
+  static std::shared_ptr<lmdb_environment> open_file(const descriptor& file);
 
   std::string place_; // for messages
   MDB_env* handle_ = nullptr;

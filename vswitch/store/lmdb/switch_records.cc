@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "vswitch/switch_store.h"
+#include "vswitch/switch_error.h"
 
 namespace vswitch {
 

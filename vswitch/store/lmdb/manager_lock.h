@@ -1,11 +1,14 @@
 // Who may change a switch's folder: anybody, or its manager alone. A lock on a file in the folder, which ends with the process
 // that holds it however that dies. What is thrown does not name the folder; callers do.
-#ifndef VSWITCH_MANAGER_LOCK_H
-#define VSWITCH_MANAGER_LOCK_H
+#ifndef VSWITCH_STORE_LMDB_MANAGER_LOCK_H
+#define VSWITCH_STORE_LMDB_MANAGER_LOCK_H
 
 #include <sys/types.h>
 
 #include <string>
+
+#include "vswitch/descriptor.h"
+#include "vswitch/switch_store.h"
 
 namespace vswitch {
 
@@ -16,25 +19,20 @@ class change_lock {
  public:
   // Throws switch_error at once when a manager serves the folder.
   explicit change_lock(const std::string& folder);
-  ~change_lock();
-  change_lock(const change_lock&) = delete;
-  change_lock& operator=(const change_lock&) = delete;
 
  private:
-  int file_;
+  descriptor file_;
 };
 
 // Makes this process the folder's manager, from whose start on nobody else changes the switch.
-class manager_lock {
+class manager_lock final : public manager_role {
  public:
   // Waits for changes that are under way; throws switch_error at once when another manager serves the folder.
   explicit manager_lock(const std::string& folder);
-  ~manager_lock();
-  manager_lock(const manager_lock&) = delete;
-  manager_lock& operator=(const manager_lock&) = delete;
+  ~manager_lock() override;
 
  private:
-  int file_;
+  descriptor file_;
   pid_t owner_;
 };
 
