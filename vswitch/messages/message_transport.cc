@@ -70,7 +70,7 @@ int fail(msgq* handle, int error) noexcept {
 // Runs an operation that returns an errno value, as a service that returns 0 or -1.
 template <typename operation>
 int on(msgq* handle, operation run) noexcept {
-  if (handle == nullptr || handle->abandoned()) return fail(handle, EINVAL);
+  if (handle == nullptr || handle->is_abandoned()) return fail(handle, EINVAL);
   int error = ENOMEM;
   try {
     error = run(*handle);
@@ -93,7 +93,7 @@ std::unique_ptr<msgq> open_end(uint32_t service_point) {
   }
   auto end = std::make_unique<msgq>();
   list(end.get());
-  if (int error = end->open(store->message_place(), service_point)) {
+  if (int error = end->open(open_link(store->message_place()), service_point)) {
     unlist(end.get());
     end.reset();
     errno = error;
@@ -164,14 +164,14 @@ VSWITCH_SERVICE uint32_t msgq_peers_get(msgq* handle, uint64_t* peers, uint32_t 
 }
 
 VSWITCH_SERVICE int msgq_receive(msgq* handle, msgq_message** message, int timeout_ms) {
-  bool told = false;
+  bool received = false;
   const int result = on(handle, [&](message_end& end) {
     if (message == nullptr || timeout_ms < -1) return EINVAL;
     const int error = end.receive(*message, timeout_ms);
-    told = error == 0;
+    received = error == 0;
     return error == ETIMEDOUT ? 0 : error;
   });
-  return told ? 1 : result;
+  return received ? 1 : result;
 }
 
 VSWITCH_SERVICE void msgq_release(msgq_message* message) {

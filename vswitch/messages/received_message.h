@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "messages/message_frame.h"
 
@@ -27,7 +28,7 @@ struct msgq_message {
 
 namespace vswitch {
 
-// The messages of one end. It outlives the end for as long as somebody holds one of them.
+// The messages of one end. It outlives the end until the last of them is given back.
 class message_pool {
  public:
   struct closer {
@@ -49,6 +50,11 @@ class message_pool {
   size_t handed_out_ = 0;
   bool closed_ = false;
 };
+
+struct message_giver {
+  void operator()(msgq_message* message) const noexcept { message->pool->give_back(message); }
+};
+using pooled_message = std::unique_ptr<msgq_message, message_giver>;
 
 } // namespace vswitch
 

@@ -159,7 +159,7 @@ void stop_serving(const descriptor& folder, uint32_t service_point) noexcept {
   unlinkat(folder.number(), path, 0);
 }
 
-descriptor connect_to_point(const descriptor& folder, uint32_t service_point) noexcept {
+descriptor connect_to_point(const descriptor& folder, uint32_t service_point, pid_t& process) noexcept {
   char path[sizeof kMessageFolder + sizeof(file_name)];
   std::snprintf(path, sizeof path, "%s/%s", kMessageFolder, socket_name(service_point).text);
   descriptor connection = make_socket();
@@ -168,11 +168,13 @@ descriptor connect_to_point(const descriptor& folder, uint32_t service_point) no
   if (connect(connection.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
     return failed_with(connect_error(errno));
   if (fcntl(connection.number(), F_SETFL, 0) != 0) return {}; // receive_packet says when not to wait
-  if (!is_this_user(other_side(connection))) return failed_with(EPERM);
+  const auto who = other_side(connection);
+  if (!is_this_user(who)) return failed_with(EPERM);
+  process = who->pid;
   return connection;
 }
 
-descriptor accept_peer(const descriptor& listener, pid_t& process) noexcept {
+descriptor accept_client(const descriptor& listener, pid_t& process) noexcept {
   descriptor connection(accept4(listener.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
   if (!connection.open()) return {};
   const auto who = other_side(connection);
@@ -199,7 +201,7 @@ int send_frame(const descriptor& connection, const frame_header& header, const v
   return sent < 0 ? send_error(errno) : 0;
 }
 
-void set_patience(const descriptor& connection, int ms) noexcept {
+void set_timeout(const descriptor& connection, int ms) noexcept {
   const timeval time{ms / 1000, ms % 1000 * 1000};
   setsockopt(connection.number(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
 }

@@ -1,9 +1,9 @@
 // The sockets of a switch's message transport: one a service point, in the folder msgq of the switch's folder.
 //   msgq/101       the socket, there while it is served (or left by a server that was killed)
 //   msgq/101.lock  locked by whoever serves; stays
-// Only one user gets in: the folder is his alone, and both sides of a connection look at who the other one is.
-#ifndef VSWITCH_MESSAGE_SOCKET_H
-#define VSWITCH_MESSAGE_SOCKET_H
+// Only one user gets in: the folder is that user's alone, and both sides of a connection look at who the other one is.
+#ifndef VSWITCH_MESSAGES_LOCAL_MESSAGE_SOCKET_H
+#define VSWITCH_MESSAGES_LOCAL_MESSAGE_SOCKET_H
 
 #include <sys/types.h>
 
@@ -26,11 +26,12 @@ descriptor hold_folder(const std::string& path) noexcept;
 descriptor serve_point(const descriptor& folder, uint32_t service_point, descriptor& lock) noexcept;
 void stop_serving(const descriptor& folder, uint32_t service_point) noexcept;
 
-// A connection to a server. errno: ECONNREFUSED, EPERM, EAGAIN when too many wait to be let in.
-descriptor connect_to_point(const descriptor& folder, uint32_t service_point) noexcept;
+// A connection to a server, and the server's process. errno: ECONNREFUSED, EPERM, EAGAIN when too many wait to be accepted.
+descriptor connect_to_point(const descriptor& folder, uint32_t service_point, pid_t& process) noexcept;
 
-// The next one who waits to be let in. errno: EAGAIN when nobody does, EPERM when it was another user, who was turned away.
-descriptor accept_peer(const descriptor& listener, pid_t& process) noexcept;
+// The next client that waits to be accepted, and its process. errno: EAGAIN when none does, EPERM when it was another user, who
+// was turned away.
+descriptor accept_client(const descriptor& listener, pid_t& process) noexcept;
 
 // Whether the other side still has the connection.
 bool still_connected(const descriptor& connection) noexcept;
@@ -39,8 +40,8 @@ bool still_connected(const descriptor& connection) noexcept;
 int send_frame(const descriptor& connection, const frame_header& header, const void* payload) noexcept;
 
 // How long a receive_packet that waits does so.
-inline constexpr int kEndlessPatience = 0; // of a new connection
-void set_patience(const descriptor& connection, int ms) noexcept;
+inline constexpr int kNoTimeout = 0; // of a new connection
+void set_timeout(const descriptor& connection, int ms) noexcept;
 
 // Stores at most kMaxFrameBytes of a packet. Returns the size of all of it; 0 when the connection is lost (or the packet is
 // empty, and so no frame); -1 with errno: EAGAIN, none came; EINTR, only when it may wait.
