@@ -8,30 +8,20 @@
 #include <atomic>
 #include <cstddef>
 #include <cstring>
-#include <iterator>
+
+#include "vswitch/code_pages.h"
+
+using namespace vswitch;
 
 namespace {
 
-constexpr uint32_t kAscii = 1;
 constexpr uint8_t kHostSubstitute = 0x3F;   // SUB of EBCDIC
 constexpr uint8_t kSwitchSubstitute = 0x1A; // SUB of ISO 8859-1
-constexpr char kSwitchText[] = "ISO-8859-1";
 constexpr size_t kModes = 2;
 
-// Apart from the tables, so that the search for a page reads two cache lines.
-struct page {
-  uint32_t codepage;
-  std::atomic<bool> is_filled;
-  const char* name; // iconv's
-};
-
-page pages[] = {
-    {kAscii, {}, kSwitchText}, {37, {}, "IBM037"},  {273, {}, "IBM273"}, {275, {}, "IBM275"}, {280, {}, "IBM280"},
-    {281, {}, "IBM281"},       {284, {}, "IBM284"}, {285, {}, "IBM285"}, {297, {}, "IBM297"}, {500, {}, "IBM500"},
-};
-
 using byte_table = uint8_t[256];
-byte_table tables[std::size(pages)][kModes];
+byte_table tables[kCodePages.size()][kModes];
+std::atomic<bool> is_filled[kCodePages.size()]; // apart from the tables, so that the search for a page reads few cache lines
 
 pthread_mutex_t filling = PTHREAD_MUTEX_INITIALIZER;
 
@@ -55,12 +45,12 @@ bool fill(byte_table& table, const char* to, const char* from, uint8_t substitut
 }
 
 [[gnu::noinline]] bool fill(size_t place) {
-  page& page = pages[place];
+  const code_page& page = kCodePages[place];
   pthread_mutex_lock(&filling);
-  const bool filled = page.is_filled.load(std::memory_order_relaxed) ||
-                      (fill(tables[place][CHAR_CONVERT_TO_HOST], page.name, kSwitchText, kHostSubstitute) &&
-                       fill(tables[place][CHAR_CONVERT_FROM_HOST], kSwitchText, page.name, kSwitchSubstitute));
-  page.is_filled.store(filled, std::memory_order_release);
+  const bool filled = is_filled[place].load(std::memory_order_relaxed) ||
+                      (fill(tables[place][CHAR_CONVERT_TO_HOST], page.iconv_name, kSwitchText, kHostSubstitute) &&
+                       fill(tables[place][CHAR_CONVERT_FROM_HOST], kSwitchText, page.iconv_name, kSwitchSubstitute));
+  is_filled[place].store(filled, std::memory_order_release);
   pthread_mutex_unlock(&filling);
   return filled;
 }
@@ -69,7 +59,7 @@ bool fill(byte_table& table, const char* to, const char* from, uint8_t substitut
 std::atomic<size_t> last_place;
 
 bool is_at(size_t place, uint32_t codepage) {
-  return pages[place].codepage == codepage && pages[place].is_filled.load(std::memory_order_acquire);
+  return kCodePages[place].number == codepage && is_filled[place].load(std::memory_order_acquire);
 }
 
 // Bytes go out in words: who reads them in words next would have to wait for single bytes.
@@ -100,8 +90,8 @@ inline int convert_at(size_t place, const char* input, int32_t input_length, uin
 // Apart, so that the way of nearly all callers is short.
 [[gnu::noinline]] int convert_by_another_page(const char* input, int32_t input_length, uint32_t mode, char** output,
                                               uint32_t* counter, uint32_t* output_space, uint32_t codepage) {
-  for (size_t place = 0; place < std::size(pages); ++place) {
-    if (pages[place].codepage != codepage) continue;
+  for (size_t place = 0; place < kCodePages.size(); ++place) {
+    if (kCodePages[place].number != codepage) continue;
     if (!is_at(place, codepage) && !fill(place)) return 0; // this machine's iconv does not know it
     last_place.store(place, std::memory_order_relaxed);
     return convert_at(place, input, input_length, mode, output, counter, output_space);

@@ -660,7 +660,7 @@ uint32_t chassis_reader::read_codepage(table_reader& table) {
   auto number = value->value_exact<int64_t>();
   if (number && is_codepage(*number)) return static_cast<uint32_t>(*number);
   std::string known;
-  for (uint32_t codepage : kCodepages) known += (known.empty() ? "" : ", ") + std::to_string(codepage);
+  for (const code_page& page : kCodePages) known += (known.empty() ? "" : ", ") + std::to_string(page.number);
   problems_.add(*value, "codepage is " + shown(*value) + "; expected is one of " + known);
   return kUsualCodepage;
 }

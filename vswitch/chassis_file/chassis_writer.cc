@@ -199,12 +199,7 @@ std::string port_tables(const chassis_description& chassis) {
 
 // A described interface by its name, any other index as it is.
 std::string bound_name(const chassis_description& chassis, uint32_t if_index) {
-  auto is_it = [if_index](const logical_interface& interface) { return interface.if_index == if_index; };
-  auto port = fc_port_of(if_index);
-  if (port ? has_port(chassis, port->slot, port->port)
-           : std::any_of(chassis.interfaces.begin(), chassis.interfaces.end(), is_it))
-    return interface_name(if_index);
-  return hexadecimal_number(if_index, 8);
+  return has_interface(chassis, if_index) ? interface_name(if_index) : hexadecimal_number(if_index, 8);
 }
 
 std::string binding_tables(const chassis_description& chassis) {

@@ -3,27 +3,12 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
-#include <numeric>
+
+#include "vswitch/spelling.h"
 
 namespace vswitch {
 
 namespace {
-
-// Letters to change, add or take away to make one word of the other.
-size_t edit_distance(std::string_view a, std::string_view b) {
-  std::vector<size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), size_t{0});
-  for (size_t i = 0; i < a.size(); ++i) {
-    size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (size_t j = 0; j < b.size(); ++j) {
-      const size_t above = row[j + 1];
-      row[j + 1] = std::min({above + 1, row[j] + 1, diagonal + (a[i] == b[j] ? 0 : 1)});
-      diagonal = above;
-    }
-  }
-  return row.back();
-}
 
 // The allowed key that was probably meant, else all of them.
 std::string suggestion(std::string_view key, std::span<const std::string_view> allowed) {

@@ -1,7 +1,6 @@
 #include "install_answer.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 
 #include "vswitch/interface_index.h"
@@ -26,9 +25,8 @@ struct map_stays {
 } // namespace
 
 bool is_well_formed_install(payload_view payload) {
-  ficon_vsan_install_msg message;
-  if (payload.size() < sizeof message) return false;
-  std::memcpy(&message, payload.data(), sizeof message);
+  if (payload.size() < sizeof(ficon_vsan_install_msg)) return false;
+  const auto message = load_field<ficon_vsan_install_msg>(payload.data());
   const uint64_t size = sizeof message + uint64_t{message.count} * sizeof(uint32_t);
   return payload.size() == size && message.vsans.bytes == FICON_VSAN_BITMAP_BYTES &&
          (message.install_byte0 == kInstall || message.install_byte0 == kUninstall);

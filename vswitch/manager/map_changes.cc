@@ -53,7 +53,7 @@ uint32_t install_vsans(const chassis_description& chassis, port_map& map, const 
 }
 
 uint32_t find_swappable(const chassis_description& chassis, const map_tables& tables, uint32_t if_index, map_place& place) {
-  if (is_channel_member(chassis, if_index)) return FICON_RC_LAG_MEMBER;
+  if (channel_of(chassis, if_index) != 0) return FICON_RC_LAG_MEMBER;
   const auto index = index_of(chassis, tables, if_index);
   if (!index || tables.port_to_pn[*index].pn >= kNumbers) return FICON_RC_NO_IF;
   place = {if_index, *index};

@@ -1,8 +1,7 @@
 #include "map_places.h"
 
-#include <algorithm>
-
 #include "vswitch/interface_index.h"
+#include "vswitch/port_place.h"
 
 namespace vswitch {
 
@@ -12,10 +11,8 @@ constexpr ficon_pmap_port_entry kNoNumbers = {FICON_PMAP_NO_NUMBER, FICON_PMAP_N
 
 // The library reads the entry of any port that it is asked for, also behind the last one.
 bool is_beyond_port_map(const fc_port& port) {
-  uint8_t card = 0;
-  if (port.port > FICON_PMAP_PORTS_PER_LC) return true;
-  if (ficonm_platform_slot_to_lc_b0(static_cast<uint8_t>(port.slot - 1), &card) != 0) return true;
-  return card * unsigned{FICON_PMAP_PORTS_PER_LC} + port.port - 1 >= FICON_PMAP_PHYS_ENTRIES;
+  const auto place = port_place(port, ficonm_platform_slot_to_lc_b0);
+  return !place || !has_entry(*place);
 }
 
 bool may_be_looked_up(const chassis_description& chassis, uint32_t if_index) {
@@ -36,20 +33,8 @@ uint32_t fetch_tables(map_tables& tables) {
   return static_cast<uint32_t>(status);
 }
 
-bool is_there(const chassis_description& chassis, uint32_t if_index) {
-  if (const auto port = fc_port_of(if_index)) return has_port(chassis, port->slot, port->port);
-  return std::any_of(chassis.interfaces.begin(), chassis.interfaces.end(),
-                     [if_index](const logical_interface& known) { return known.if_index == if_index; });
-}
-
-bool is_channel_member(const chassis_description& chassis, uint32_t if_index) {
-  return std::any_of(chassis.interfaces.begin(), chassis.interfaces.end(), [if_index](const logical_interface& channel) {
-    return std::binary_search(channel.members.begin(), channel.members.end(), if_index);
-  });
-}
-
 std::optional<uint32_t> index_of(const chassis_description& chassis, const map_tables& tables, uint32_t if_index) {
-  if (!is_there(chassis, if_index) || !may_be_looked_up(chassis, if_index)) return std::nullopt;
+  if (!has_interface(chassis, if_index) || !may_be_looked_up(chassis, if_index)) return std::nullopt;
   if (ficon_get_max_ficon_ports() <= 0) return std::nullopt; // the search goes as far as this says
   uint32_t index = FICON_PMAP_PORT_ENTRIES;
   if (ficon_pmap_get_if_to_index_with2pmaps(if_index, &index, tables.pn_to_if, tables.port_to_pn, 1) != 0)

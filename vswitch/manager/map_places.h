@@ -21,11 +21,6 @@ map_tables tables_of(const port_map& map);
 // The library's, fetched now. Returns the library's status, 0 with tables written.
 uint32_t fetch_tables(map_tables& tables);
 
-// A port that a card has, or a logical interface that was made.
-bool is_there(const chassis_description& chassis, uint32_t if_index);
-
-bool is_channel_member(const chassis_description& chassis, uint32_t if_index);
-
 // The index of the interface's entry: that of its port, also of a port in a port-channel, or of the number that a logical
 // interface is bound to. None when it is not there, has no number or lies behind the port map.
 std::optional<uint32_t> index_of(const chassis_description& chassis, const map_tables& tables, uint32_t if_index);

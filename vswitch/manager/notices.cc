@@ -2,7 +2,6 @@
 
 #include <platform/if_index.h>
 
-#include "map_places.h"
 #include "query_answers.h"
 #include "vswitch/interface_index.h"
 
@@ -63,7 +62,7 @@ uint32_t make_notice(const chassis_description& chassis, const notify_order& ord
   }
   if (order.opcode == kOpRnidNotification) return make_rnid_notice(chassis, if_index, convert, made);
   if (order.opcode != kOpPortUpDown && order.opcode != kOpPortEnable) return FICON_RC_INVALID_ARG;
-  if (!is_there(chassis, if_index)) return FICON_RC_NO_IF;
+  if (!has_interface(chassis, if_index)) return FICON_RC_NO_IF;
   made = order.opcode == kOpPortUpDown ? updown_notice(if_index, order) : enable_notice(if_index, order);
   return 0;
 }

@@ -92,13 +92,13 @@ uint32_t fill_rnid(const chassis_description& chassis, uint32_t if_index, ficon_
                    ficon_rnid_rec& record) {
   record.codepage = 0;
   std::fill(std::begin(record.descriptor), std::end(record.descriptor), uint8_t{0});
-  if (!is_there(chassis, if_index)) return record.result = FICON_RC_NO_IF;
+  if (!has_interface(chassis, if_index)) return record.result = FICON_RC_NO_IF;
   const auto node = chassis.nodes.find(if_index);
   if (node == chassis.nodes.end()) return record.result = FICON_RC_PLATFORM;
   const auto descriptor = host_descriptor(node->second, convert);
   if (!descriptor) return record.result = FICON_RC_CONVERT;
   static_assert(sizeof *descriptor == sizeof record.descriptor);
-  std::memcpy(record.descriptor, &*descriptor, sizeof record.descriptor);
+  store_field(record.descriptor, 0, *descriptor);
   record.codepage = node->second.codepage;
   return record.result = 0;
 }

@@ -7,12 +7,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <span>
 #include <string>
 #include <type_traits>
 #include <vector>
+
+#include "vswitch/packed_fields.h"
 
 namespace vswitch {
 
@@ -28,11 +29,8 @@ struct answer {
 // A payload that is this record and nothing else.
 template <typename record>
 std::optional<record> flat_record(payload_view payload) {
-  static_assert(std::is_trivially_copyable_v<record>);
   if (payload.size() != sizeof(record)) return std::nullopt;
-  record read;
-  std::memcpy(&read, payload.data(), sizeof read);
-  return read;
+  return load_field<record>(payload.data());
 }
 
 // The first value of a type in a payload that is a TLV array; empty when there is none.
@@ -45,9 +43,8 @@ std::optional<record> tlv_record(payload_view payload, uint16_t type) {
 
 template <typename record>
 payload_bytes flat_payload(const record& written) {
-  static_assert(std::is_trivially_copyable_v<record>);
   payload_bytes bytes(sizeof written);
-  std::memcpy(bytes.data(), &written, sizeof written);
+  store_field(bytes.data(), 0, written);
   return bytes;
 }
 

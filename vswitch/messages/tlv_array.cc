@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "services/process_state.h"
+#include "vswitch/packed_fields.h"
 #include "vswitch/service_status.h"
 
 namespace vswitch {
@@ -29,22 +30,10 @@ struct value_prefix {
 };
 static_assert(sizeof(value_prefix) == kTlvPrefixBytes);
 
-template <typename record>
-record load(const void* array, size_t offset) noexcept {
-  record loaded;
-  std::memcpy(&loaded, static_cast<const std::byte*>(array) + offset, sizeof loaded);
-  return loaded;
-}
-
-template <typename record>
-void store(void* array, size_t offset, const record& stored) noexcept {
-  std::memcpy(static_cast<std::byte*>(array) + offset, &stored, sizeof stored);
-}
-
 // Field by field: as one piece of 12 bytes it goes through vector registers and back.
 array_header load_header(const void* array) noexcept {
-  return {load<uint32_t>(array, offsetof(array_header, magic)), load<uint32_t>(array, offsetof(array_header, size)),
-          load<uint16_t>(array, offsetof(array_header, count)), load<uint16_t>(array, offsetof(array_header, zero))};
+  return {load_field<uint32_t>(array, offsetof(array_header, magic)), load_field<uint32_t>(array, offsetof(array_header, size)),
+          load_field<uint16_t>(array, offsetof(array_header, count)), load_field<uint16_t>(array, offsetof(array_header, zero))};
 }
 
 constexpr uint32_t kPadding = 4;
@@ -64,7 +53,7 @@ bool is_blank(const array_header& header) noexcept {
 } // namespace
 
 bool tlv_services_stay_inside(const void* payload, uint32_t length) noexcept {
-  if (length < sizeof(array_header::magic) || load<uint32_t>(payload, 0) != kTlvMagic) return true;
+  if (length < sizeof(array_header::magic) || load_field<uint32_t>(payload, 0) != kTlvMagic) return true;
   return length >= kTlvHeaderBytes && load_header(payload).size <= length;
 }
 
@@ -82,16 +71,16 @@ VSWITCH_SERVICE int tlv_aligned_array_add_tlv(void* array, uint32_t capacity, ui
   if (header.size > capacity || capacity - header.size < kTlvPrefixBytes + padded(length) || header.count == UINT16_MAX)
     return kTlvFull;
 
-  store(array, header.size, value_prefix{type, length});
+  store_field(array, header.size, value_prefix{type, length});
   const uint32_t place = header.size + kTlvPrefixBytes;
   if (length != 0) {
-    store(array, place + padded(length) - kPadding, uint32_t{0}); // what the value leaves of its last word
+    store_field(array, place + padded(length) - kPadding, uint32_t{0}); // what the value leaves of its last word
     std::memcpy(static_cast<std::byte*>(array) + place, value, length);
   }
-  store(array, offsetof(array_header, magic), header.magic);
-  store(array, offsetof(array_header, size), place + padded(length));
-  store(array, offsetof(array_header, count), static_cast<uint16_t>(header.count + 1));
-  store(array, offsetof(array_header, zero), header.zero);
+  store_field(array, offsetof(array_header, magic), header.magic);
+  store_field(array, offsetof(array_header, size), place + padded(length));
+  store_field(array, offsetof(array_header, count), static_cast<uint16_t>(header.count + 1));
+  store_field(array, offsetof(array_header, zero), header.zero);
   return 0;
 }
 
@@ -116,7 +105,7 @@ VSWITCH_SERVICE int tlv_aligned_array_get_next_tlv(const void* array, uint16_t* 
   const uint32_t place = *cursor == 0 ? kTlvHeaderBytes : *cursor;
   if (place < kTlvHeaderBytes || place >= header.size) return kTlvNoFurther;
   if (header.size - place < kTlvPrefixBytes) return kTlvDamaged;
-  const auto prefix = load<value_prefix>(array, place);
+  const auto prefix = load_field<value_prefix>(array, place);
   if (header.size - place - kTlvPrefixBytes < prefix.length) return kTlvDamaged;
 
   *type = prefix.type;

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "vswitch/interface_index.h"
+#include "vswitch/port_place.h"
 
 namespace vswitch {
 
@@ -51,11 +52,9 @@ std::optional<unsigned> line_card_number(const chassis_description& chassis, uns
 }
 
 std::optional<unsigned> port_map_index(const chassis_description& chassis, unsigned slot, unsigned port) {
-  auto number = line_card_number(chassis, slot);
-  if (!number || port < 1 || port > FICON_PMAP_PORTS_PER_LC) return std::nullopt;
-  unsigned index = *number * FICON_PMAP_PORTS_PER_LC + port - 1;
-  if (index >= FICON_PMAP_PHYS_ENTRIES) return std::nullopt;
-  return index;
+  const auto number = line_card_number(chassis, slot);
+  const auto place = number ? port_place(*number, port) : std::nullopt;
+  return place && has_entry(*place) ? place : std::nullopt;
 }
 
 const line_card* card_in_slot(const chassis_description& chassis, unsigned slot) {
@@ -69,8 +68,21 @@ bool has_port(const chassis_description& chassis, unsigned slot, unsigned port) 
   return card != nullptr && port >= 1 && port <= card->ports;
 }
 
+bool has_interface(const chassis_description& chassis, uint32_t if_index) {
+  if (const auto port = fc_port_of(if_index)) return has_port(chassis, port->slot, port->port);
+  return std::any_of(chassis.interfaces.begin(), chassis.interfaces.end(),
+                     [if_index](const logical_interface& known) { return known.if_index == if_index; });
+}
+
+uint32_t channel_of(const chassis_description& chassis, uint32_t if_index) noexcept {
+  for (const auto& channel : chassis.interfaces)
+    if (std::binary_search(channel.members.begin(), channel.members.end(), if_index))
+      return logical_number(channel.if_index);
+  return 0;
+}
+
 std::optional<uint32_t> port_at_index(const chassis_description& chassis, unsigned index) {
-  if (index >= FICON_PMAP_PHYS_ENTRIES) return std::nullopt;
+  if (!has_entry(index)) return std::nullopt;
   unsigned slot = slot_of_line_card(chassis, index / FICON_PMAP_PORTS_PER_LC);
   unsigned port = index % FICON_PMAP_PORTS_PER_LC + 1;
   if (!has_port(chassis, slot, port)) return std::nullopt;

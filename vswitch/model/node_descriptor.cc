@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "vswitch/packed_fields.h"
+
 namespace vswitch {
 
 namespace {
@@ -36,7 +38,7 @@ bool convert_text(char (&field)[length], uint32_t codepage, ficon_convert_fn con
 } // namespace
 
 bool is_codepage(int64_t number) {
-  return std::find(kCodepages.begin(), kCodepages.end(), number) != kCodepages.end();
+  return std::any_of(kCodePages.begin(), kCodePages.end(), [number](const code_page& page) { return page.number == number; });
 }
 
 std::optional<std::string> padded(const node_text& field, std::string_view text) {
@@ -54,27 +56,26 @@ std::string without_blanks(std::string_view text) {
 
 ficon_node_descriptor ascii_descriptor(const node_descriptor& node) {
   ficon_node_descriptor bytes = {};
-  for (size_t i = 0; i < sizeof bytes.flags; ++i) bytes.flags[i] = static_cast<uint8_t>(node.flags >> (24 - 8 * i));
+  store_number(bytes.flags, sizeof bytes.flags, std::endian::big, node.flags);
   put_text(bytes.type, node.type);
   put_text(bytes.model, node.model);
   put_text(bytes.manufacturer, node.manufacturer);
   put_text(bytes.plant, node.plant);
   put_text(bytes.sequence, node.sequence);
-  bytes.tag[0] = static_cast<uint8_t>(node.tag >> 8);
-  bytes.tag[1] = static_cast<uint8_t>(node.tag);
+  store_number(bytes.tag, sizeof bytes.tag, std::endian::big, node.tag);
   return bytes;
 }
 
 node_descriptor node_of(uint32_t codepage, const ficon_node_descriptor& ascii) {
   node_descriptor node;
   node.codepage = codepage;
-  for (uint8_t byte : ascii.flags) node.flags = node.flags << 8 | byte;
+  node.flags = load_number(ascii.flags, sizeof ascii.flags, std::endian::big);
   node.type = text_of(ascii.type);
   node.model = text_of(ascii.model);
   node.manufacturer = text_of(ascii.manufacturer);
   node.plant = text_of(ascii.plant);
   node.sequence = text_of(ascii.sequence);
-  node.tag = static_cast<uint16_t>(ascii.tag[0] << 8 | ascii.tag[1]);
+  node.tag = static_cast<uint16_t>(load_number(ascii.tag, sizeof ascii.tag, std::endian::big));
   return node;
 }
 

@@ -14,23 +14,14 @@ switch_view::switch_view(chassis_description chassis) : chassis_(std::move(chass
     ports_by_slot_[card.slot] = {static_cast<uint16_t>(next_index), static_cast<uint16_t>(card.ports)};
     next_index += card.ports;
   }
-  for (const auto& interface : chassis_.interfaces) {
-    logical_.push_back(interface.if_index);
-    for (uint32_t member : interface.members) memberships_.emplace_back(member, logical_number(interface.if_index));
-  }
+  for (const auto& interface : chassis_.interfaces) logical_.push_back(interface.if_index);
   std::sort(logical_.begin(), logical_.end());
-  std::sort(memberships_.begin(), memberships_.end());
 }
 
 std::optional<uint16_t> switch_view::port_index(uint32_t if_index) const noexcept {
   auto port = fc_port_of(if_index);
   if (!port || port->slot >= ports_by_slot_.size() || port->port > ports_by_slot_[port->slot].count) return std::nullopt;
   return static_cast<uint16_t>(ports_by_slot_[port->slot].first_index + port->port - 1);
-}
-
-uint32_t switch_view::channel_of(uint32_t if_index) const noexcept {
-  auto found = std::lower_bound(memberships_.begin(), memberships_.end(), membership(if_index, 0));
-  return found != memberships_.end() && found->first == if_index ? found->second : 0;
 }
 
 bool switch_view::has_logical_interface(uint32_t if_index) const noexcept {

@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "vswitch/chassis_description.h"
@@ -21,9 +20,6 @@ class switch_view {
   // Ports that are there are numbered without a gap, slot after slot.
   std::optional<uint16_t> port_index(uint32_t if_index) const noexcept;
 
-  // The number of the port-channel that a port belongs to, 0 for none.
-  uint32_t channel_of(uint32_t if_index) const noexcept;
-
   bool has_logical_interface(uint32_t if_index) const noexcept;
 
  private:
@@ -31,12 +27,10 @@ class switch_view {
     uint16_t first_index = 0;
     uint16_t count = 0;
   };
-  using membership = std::pair<uint32_t, uint32_t>; // port, port-channel number
 
   chassis_description chassis_;
   std::array<slot_ports, 256> ports_by_slot_{}; // slots from 1
   std::vector<uint32_t> logical_;               // ascending
-  std::vector<membership> memberships_;         // ascending
 };
 
 } // namespace vswitch

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "services/process_state.h"
+#include "vswitch/packed_fields.h"
 #include "vswitch/service_status.h"
 
 namespace vswitch {
@@ -34,7 +35,7 @@ int history_file() noexcept {
 // A record is a 32-bit subtype and a text that may end with a NUL.
 bool parse_record(uint32_t length, const void* record, history_event& event) {
   if (record == nullptr || length < sizeof event.subtype) return false;
-  std::memcpy(&event.subtype, record, sizeof event.subtype);
+  event.subtype = load_field<uint32_t>(record);
   const char* text = static_cast<const char*>(record) + sizeof event.subtype;
   event.text = {text, strnlen(text, length - sizeof event.subtype)};
   return true;

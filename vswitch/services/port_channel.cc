@@ -11,7 +11,7 @@ VSWITCH_SERVICE int lagmap_get_port(lagmap_port_query* query) {
   const switch_view* view = current_view();
   if (view == nullptr) return kLagmapNoSwitch;
   if (!view->port_index(query->if_index)) return kLagmapUnknownPort;
-  const uint32_t channel = view->channel_of(query->if_index);
+  const uint32_t channel = channel_of(view->chassis(), query->if_index);
   if (channel == 0) return FICON_LAGMAP_NOT_MEMBER;
   query->channel = channel;
   return 0;

@@ -127,7 +127,7 @@ class random_switch {
 
   node_descriptor node() {
     node_descriptor made;
-    made.codepage = kCodepages[below(kCodepages.size())];
+    made.codepage = kCodePages[below(kCodePages.size())].number;
     if (chance(50)) made.flags = static_cast<uint32_t>(random_());
     for (const auto& field : kNodeTexts)
       if (chance(80)) made.*field.text = *padded(field, letters(1 + below(static_cast<unsigned>(field.length))));

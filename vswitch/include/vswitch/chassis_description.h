@@ -85,6 +85,12 @@ const line_card* card_in_slot(const chassis_description& chassis, unsigned slot)
 // Whether the port is there.
 bool has_port(const chassis_description& chassis, unsigned slot, unsigned port);
 
+// Whether it is there: a port that a card has, or a logical interface that was made.
+bool has_interface(const chassis_description& chassis, uint32_t if_index);
+
+// The number of the port-channel that a port is a member of, 0 for none.
+uint32_t channel_of(const chassis_description& chassis, uint32_t if_index) noexcept;
+
 // The port whose port map index this is, as an interface index; none when no card has it.
 std::optional<uint32_t> port_at_index(const chassis_description& chassis, unsigned index);
 

@@ -11,18 +11,18 @@
 #include <string>
 #include <string_view>
 
+#include "vswitch/code_pages.h"
+
 namespace vswitch {
 
 inline constexpr uint32_t kUsualCodepage = 37;
 
-// The code pages that a host may announce.
-inline constexpr std::array<uint32_t, 10> kCodepages = {FICON_CODEPAGE_ASCII, 37, 273, 275, 280, 281, 284, 285, 297, 500};
-bool is_codepage(int64_t number);
+bool is_codepage(int64_t number); // one of kCodePages
 
 // Texts are ASCII here, of upper-case letters and digits: those stand at the same place in every EBCDIC code page. Each has its
 // whole length, so that equal descriptors compare as equal.
 struct node_descriptor {
-  uint32_t codepage = kUsualCodepage; // of the host that the device belongs to; one of kCodepages
+  uint32_t codepage = kUsualCodepage; // of the host that the device belongs to; one of kCodePages
   uint32_t flags = 0;                 // flags and node parameters, from the highest byte on; 0: valid, no more
   std::string type = std::string(6, '0');
   std::string model = std::string(3, '0');

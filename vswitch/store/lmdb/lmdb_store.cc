@@ -7,6 +7,7 @@
 
 #include "store/lmdb/named_failures.h"
 #include "store/lmdb/switch_records.h"
+#include "vswitch/packed_fields.h"
 
 namespace vswitch {
 
@@ -44,9 +45,8 @@ constexpr size_t kNotRemembered = 0;
 
 // The place at which an element of the port map is remembered, by its key.
 size_t slot_of(uint32_t table, std::span<const std::byte> key) {
-  uint32_t element = 0;
-  if (table != FICON_ELEMDB_TABLE_PMAP || key.size() != sizeof element) return kNotRemembered;
-  std::memcpy(&element, key.data(), sizeof element);
+  if (table != FICON_ELEMDB_TABLE_PMAP || key.size() != sizeof(uint32_t)) return kNotRemembered;
+  const auto element = load_field<uint32_t>(key.data());
   return element <= FICON_PMAP_ELEM_CHANGE_COUNTER ? element : kNotRemembered;
 }
 

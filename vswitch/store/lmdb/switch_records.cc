@@ -4,6 +4,7 @@
 #include <span>
 #include <string_view>
 
+#include "vswitch/packed_fields.h"
 #include "vswitch/switch_error.h"
 
 namespace vswitch {
@@ -68,10 +69,8 @@ void for_each_numbered(MDB_txn* transaction, MDB_dbi where, handler handle) {
   MDB_val key;
   MDB_val value;
   while (mdb_cursor_get(cursor, &key, &value, MDB_NEXT) == 0) {
-    uint32_t number = 0;
-    if (key.mv_size != sizeof number) damaged("a key is not a number");
-    std::memcpy(&number, key.mv_data, sizeof number);
-    handle(number, value);
+    if (key.mv_size != sizeof(uint32_t)) damaged("a key is not a number");
+    handle(load_field<uint32_t>(key.mv_data), value);
   }
 }
 
@@ -104,25 +103,22 @@ void get_element(MDB_txn* transaction, const databases& where, uint32_t element,
 
 void put_line_card(MDB_txn* transaction, const databases& where, const line_card& card) {
   const uint32_t slot = card.slot;
-  const uint32_t ports = card.ports;
-  std::string value(sizeof ports, '\0');
-  std::memcpy(value.data(), &ports, sizeof ports);
+  std::string value(sizeof(uint32_t), '\0');
+  store_field(value.data(), 0, uint32_t{card.ports});
   value += card.name;
   put(transaction, where.line_cards, as_value(&slot, sizeof slot), as_value(value));
 }
 
 line_card line_card_from(uint32_t slot, const MDB_val& value) {
-  uint32_t ports = 0;
-  if (value.mv_size < sizeof ports) damaged("a line card is cut");
-  std::memcpy(&ports, value.mv_data, sizeof ports);
-  return {slot, ports, std::string(text_of(value).substr(sizeof ports))};
+  if (value.mv_size < sizeof(uint32_t)) damaged("a line card is cut");
+  const auto ports = load_field<uint32_t>(value.mv_data);
+  return {slot, ports, std::string(text_of(value).substr(sizeof(uint32_t)))};
 }
 
 // What clients read of a record; the rest stays zero.
 time_reference reference_from(const MDB_val& value) {
-  ficon_vsan_tstmp_rec record;
-  if (value.mv_size != sizeof record) damaged("a time stamp's reference");
-  std::memcpy(&record, value.mv_data, sizeof record);
+  if (value.mv_size != sizeof(ficon_vsan_tstmp_rec)) damaged("a time stamp's reference");
+  const auto record = load_field<ficon_vsan_tstmp_rec>(value.mv_data);
   return {{record.ref_host_sec, record.ref_host_usec}, record.ref_tod};
 }
 
