@@ -5,7 +5,6 @@
 #include <map>
 #include <set>
 
-#include "inspect/chassis/port_channel.h"
 #include "inspect/enum_rows.h"
 #include "libchnsw.h"
 #include "vswitch/interface_index.h"
@@ -32,7 +31,7 @@ front_port port_of(const library_session& session, unsigned slot, unsigned port)
   front_port result;
   result.port = port;
   result.if_index = vswitch::fc_port_index(slot, port);
-  result.channel = port_channel_of(session.chassis(), result.if_index).value_or(0);
+  result.channel = vswitch::channel_of(session.chassis(), result.if_index);
   auto index = vswitch::port_map_index(session.chassis(), slot, port);
   if (!index) return result;
   result.index = *index;

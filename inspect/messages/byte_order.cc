@@ -1,6 +1,16 @@
 #include "inspect/messages/byte_order.h"
 
+#include "vswitch/packed_fields.h"
+
 namespace inspect {
+
+namespace {
+
+std::endian as_endian(byte_order order) {
+  return order == byte_order::big ? std::endian::big : std::endian::little;
+}
+
+} // namespace
 
 std::string_view order_text(byte_order order) {
   return order == byte_order::big ? "big" : "little";
@@ -11,19 +21,11 @@ byte_order other_order(byte_order order) {
 }
 
 uint32_t number_at(std::string_view bytes, size_t offset, size_t length, byte_order order) {
-  uint32_t number = 0;
-  for (size_t n = 0; n < length; ++n) {
-    const size_t place = order == byte_order::big ? n : length - 1 - n;
-    number = number << 8 | static_cast<unsigned char>(bytes[offset + place]);
-  }
-  return number;
+  return vswitch::load_number(bytes.data() + offset, length, as_endian(order));
 }
 
 void set_number(std::string& bytes, size_t offset, size_t length, byte_order order, uint32_t number) {
-  for (size_t n = 0; n < length; ++n) {
-    const size_t place = order == byte_order::little ? n : length - 1 - n;
-    bytes[offset + place] = static_cast<char>(number >> 8 * n);
-  }
+  vswitch::store_number(bytes.data() + offset, length, as_endian(order), number);
 }
 
 } // namespace inspect

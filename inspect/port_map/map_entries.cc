@@ -1,7 +1,6 @@
 // Entries of the port map with the library's word on their interfaces.
 #include "inspect/port_map/map_entries.h"
 
-#include "inspect/chassis/port_channel.h"
 #include "inspect/error.h"
 #include "inspect/port_map/port_map_tables.h"
 #include "inspect/port_map/port_place.h"
@@ -40,7 +39,7 @@ map_entry map_entry_at(const library_session& session, uint32_t index) {
   entry.port = port_at_place(index);
   entry.if_index = interface_at(session, index, numbers.pn);
   if (index < FICON_PMAP_PHYS_ENTRIES) entry.there = vswitch::port_at_index(session.chassis(), index).has_value();
-  if (entry.if_index) entry.channel = port_channel_of(session.chassis(), *entry.if_index);
+  if (entry.if_index) entry.channel = vswitch::channel_of(session.chassis(), *entry.if_index);
   return entry;
 }
 

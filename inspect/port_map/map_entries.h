@@ -20,7 +20,7 @@ struct map_entry {
   std::optional<vswitch::fc_port> port;
   std::optional<uint32_t> if_index; // no value or 0: none
   std::optional<bool> there;        // whether a port is plugged; no value for an index without a physical port
-  std::optional<uint32_t> channel;  // number of the port-channel that the interface is a member of
+  uint32_t channel = 0;             // number of the port-channel that the interface is a member of; 0: none
 };
 
 // index below FICON_PMAP_PORT_ENTRIES. Throws a platform error when the library was refused memory.

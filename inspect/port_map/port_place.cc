@@ -2,14 +2,12 @@
 #include "inspect/port_map/port_place.h"
 
 #include "libchnsw.h"
+#include "vswitch/port_place.h"
 
 namespace inspect {
 
 std::optional<uint32_t> port_map_place(unsigned slot, unsigned port) {
-  if (port > FICON_PMAP_PORTS_PER_LC) return std::nullopt; // its index would be the next line card's
-  uint8_t card = 0;
-  if (ficonm_platform_slot_to_lc_b0(static_cast<uint8_t>(slot - 1), &card) != 0) return std::nullopt;
-  return uint32_t{card} * FICON_PMAP_PORTS_PER_LC + port - 1;
+  return vswitch::port_place({slot, port}, ficonm_platform_slot_to_lc_b0);
 }
 
 std::optional<uint32_t> port_map_place(uint32_t if_index) {
@@ -19,12 +17,12 @@ std::optional<uint32_t> port_map_place(uint32_t if_index) {
 
 bool is_beyond_port_map(uint32_t if_index) {
   auto place = port_map_place(if_index);
-  return place && *place >= FICON_PMAP_PORT_ENTRIES;
+  return place && !vswitch::may_be_asked_for(*place);
 }
 
 std::optional<vswitch::fc_port> port_at_place(uint32_t index) {
   uint8_t slot = 0;
-  if (index >= FICON_PMAP_PHYS_ENTRIES) return std::nullopt;
+  if (!vswitch::has_entry(index)) return std::nullopt;
   if (ficonm_platform_lc_to_slot_b0(static_cast<uint8_t>(index / FICON_PMAP_PORTS_PER_LC), &slot) != 0) return std::nullopt;
   return vswitch::fc_port{slot + 1U, index % FICON_PMAP_PORTS_PER_LC + 1};
 }

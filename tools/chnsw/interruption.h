@@ -2,21 +2,20 @@
 #ifndef CHNSW_INTERRUPTION_H
 #define CHNSW_INTERRUPTION_H
 
+#include "vswitch/descriptor.h"
+
 namespace chnsw_tool {
 
 // From its making on the two signals only make a descriptor readable.
 class interruption {
  public:
   interruption();
-  ~interruption();
-  interruption(const interruption&) = delete;
-  interruption& operator=(const interruption&) = delete;
 
-  int descriptor() const { return descriptor_; }
+  int descriptor() const { return descriptor_.number(); }
   bool has_come() const; // stays true
 
  private:
-  int descriptor_;
+  vswitch::descriptor descriptor_;
 };
 
 } // namespace chnsw_tool

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 
 #include "asked_switch.h"
-#include "inspect/chassis/port_channel.h"
 #include "vswitch/interface_index.h"
 
 namespace inspect_test {
@@ -58,12 +57,6 @@ TEST(ChassisFront, VsansArePlacedInAscendingOrderOfThoseThatPortsAreIn) {
   EXPECT_EQ(front.vsans[1].name, "production");
   EXPECT_EQ(front.slots[0].ports.at(7).vsan_place, 0U);
   EXPECT_EQ(front.slots[1].ports.at(0).vsan_place, 2U);
-}
-
-TEST(PortChannel, OnlyMembersAreInOne) {
-  EXPECT_EQ(inspect::port_channel_of(campus(), vswitch::fc_port_index(5, 1)), 1U);
-  EXPECT_FALSE(inspect::port_channel_of(campus(), vswitch::fc_port_index(5, 2)));
-  EXPECT_FALSE(inspect::port_channel_of(campus(), 0x04000001)); // it is one itself
 }
 
 } // namespace

@@ -11,12 +11,14 @@
 #include <cstring>
 #include <filesystem>
 #include <string_view>
+#include <utility>
 
 #include "inspect/chassis/front.h"
 #include "output/cells.h"
 #include "output/front_svg.h"
 #include "output/front_text.h"
 #include "output/record_table.h"
+#include "vswitch/descriptor.h"
 
 namespace chnsw_tool {
 
@@ -27,23 +29,23 @@ namespace {
 }
 
 // Closes the file; returns 0, or the error that kept the text from getting there whole.
-int write_whole(int fd, std::string_view text) {
+int write_whole(vswitch::descriptor file, std::string_view text) {
   int error = 0;
   while (error == 0 && !text.empty()) {
-    ssize_t written = ::write(fd, text.data(), text.size());
+    ssize_t written = ::write(file.number(), text.data(), text.size());
     if (written >= 0)
       text.remove_prefix(static_cast<size_t>(written));
     else if (errno != EINTR)
       error = errno;
   }
-  return ::close(fd) != 0 && error == 0 ? errno : error;
+  return ::close(file.release()) != 0 && error == 0 ? errno : error;
 }
 
 // A device or a pipe takes the text as it comes; it must not be replaced by a file.
 void write_through(const std::string& path, const std::string& text) {
-  int fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-  if (fd == -1) refuse(path, errno);
-  if (int error = write_whole(fd, text)) refuse(path, error);
+  vswitch::descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+  if (!file.open()) refuse(path, errno);
+  if (int error = write_whole(std::move(file), text)) refuse(path, error);
 }
 
 mode_t mode_of_new_files() {
@@ -55,10 +57,10 @@ mode_t mode_of_new_files() {
 // Whole or not at all: a picture that was there stays until the new one is complete, and then passes its mode on.
 void replace_file(const std::string& path, const std::string& text, mode_t mode) {
   std::string draft = path + ".XXXXXX";
-  int fd = ::mkostemp(draft.data(), O_CLOEXEC);
-  if (fd == -1) refuse(path, errno);
-  int error = ::fchmod(fd, mode) == 0 ? 0 : errno;
-  if (int unwritten = write_whole(fd, text)) error = unwritten;
+  vswitch::descriptor file(::mkostemp(draft.data(), O_CLOEXEC));
+  if (!file.open()) refuse(path, errno);
+  int error = ::fchmod(file.number(), mode) == 0 ? 0 : errno;
+  if (int unwritten = write_whole(std::move(file), text)) error = unwritten;
   if (error == 0 && ::rename(draft.c_str(), path.c_str()) == 0) return;
   if (error == 0) error = errno;
   ::unlink(draft.c_str());

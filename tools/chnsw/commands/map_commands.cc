@@ -43,7 +43,8 @@ std::span<const record_column<map_entry>> map_table() {
       {{"if_index", "IF-INDEX", 8, true}, [](const map_entry& of) { return interface_cell(of.if_index); }},
       {{"interface", "INTERFACE"}, [](const map_entry& of) { return interface_name_cell(of.if_index); }},
       {{"there", "THERE"}, there_cell},
-      {{"port_channel", "PORT-CHANNEL"}, [](const map_entry& of) { return optional_cell(of.channel); }}};
+      {{"port_channel", "PORT-CHANNEL"},
+       [](const map_entry& of) { return known_cell(of.channel != 0, int64_t{of.channel}); }}};
   return kTable;
 }
 

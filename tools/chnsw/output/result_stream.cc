@@ -37,24 +37,20 @@ result_stream::result_stream() : fd_(is_open(STDOUT_FILENO) ? ::fcntl(STDOUT_FIL
   std::signal(SIGPIPE, SIG_IGN);
 }
 
-result_stream::~result_stream() {
-  if (fd_ != -1) ::close(fd_);
-}
-
 bool result_stream::is_terminal() const {
-  return fd_ != -1 && ::isatty(fd_) == 1;
+  return fd_.open() && ::isatty(fd_.number()) == 1;
 }
 
 // Asked for no event, poll still tells that the other end is gone; for a file it just sleeps.
 void result_stream::wait(std::initializer_list<int> descriptors, int timeout_ms) const {
-  std::vector<pollfd> ends = {{fd_, 0, 0}};
+  std::vector<pollfd> ends = {{fd_.number(), 0, 0}};
   for (int descriptor : descriptors) ends.push_back({descriptor, POLLIN, 0});
   if (::poll(ends.data(), ends.size(), timeout_ms) > 0 && ends.front().revents != 0) throw inspect::platform_error("");
 }
 
 void result_stream::write(std::string_view text) {
   while (!text.empty()) {
-    ssize_t written = ::write(fd_, text.data(), text.size());
+    ssize_t written = ::write(fd_.number(), text.data(), text.size());
     if (written >= 0) {
       text.remove_prefix(static_cast<size_t>(written));
     } else if (errno == EPIPE) {

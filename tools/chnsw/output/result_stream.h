@@ -5,15 +5,14 @@
 #include <initializer_list>
 #include <string_view>
 
+#include "vswitch/descriptor.h"
+
 namespace chnsw_tool {
 
 class result_stream {
  public:
   // Takes standard output over, once a process, before anything else is opened.
   result_stream();
-  ~result_stream();
-  result_stream(const result_stream&) = delete;
-  result_stream& operator=(const result_stream&) = delete;
 
   bool is_terminal() const;
 
@@ -25,7 +24,7 @@ class result_stream {
   void write(std::string_view text);
 
  private:
-  int fd_;
+  vswitch::descriptor fd_; // not open when the caller closed standard output
 };
 
 } // namespace chnsw_tool
