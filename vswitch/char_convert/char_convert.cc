@@ -21,7 +21,8 @@ constexpr size_t kModes = 2;
 
 using byte_table = uint8_t[256];
 byte_table tables[kCodePages.size()][kModes];
-std::atomic<bool> is_filled[kCodePages.size()]; // apart from the tables, so that the search for a page reads few cache lines
+std::atomic<bool>
+    is_filled[kCodePages.size()]; // apart from the tables, so that the search for a page reads few cache lines
 
 pthread_mutex_t filling = PTHREAD_MUTEX_INITIALIZER;
 

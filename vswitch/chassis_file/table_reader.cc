@@ -81,6 +81,14 @@ std::optional<number_run> parse_number_run(std::string_view text) {
   return number_run{*first, *last};
 }
 
+std::optional<number_run> number_run_in(const toml::node& value) {
+  const auto number = value.value_exact<int64_t>();
+  if (number) return number_run{*number, *number};
+  const auto text = value.value_exact<std::string>();
+  const auto run = text ? parse_number_run(*text) : std::nullopt;
+  return run && run->first <= run->last ? run : std::nullopt;
+}
+
 std::string quoted(std::string_view text) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string quoted = "\"";

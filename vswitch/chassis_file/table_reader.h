@@ -54,6 +54,9 @@ struct number_run {
 };
 std::optional<number_run> parse_number_run(std::string_view text);
 
+// The same in a value, which may be a number too; none when the ends stand in the wrong order.
+std::optional<number_run> number_run_in(const toml::node& value);
+
 // A text of the file in quotes, as a terminal can take it: a control character stands as its number.
 std::string quoted(std::string_view text);
 

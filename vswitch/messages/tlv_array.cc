@@ -32,8 +32,10 @@ static_assert(sizeof(value_prefix) == kTlvPrefixBytes);
 
 // Field by field: as one piece of 12 bytes it goes through vector registers and back.
 array_header load_header(const void* array) noexcept {
-  return {load_field<uint32_t>(array, offsetof(array_header, magic)), load_field<uint32_t>(array, offsetof(array_header, size)),
-          load_field<uint16_t>(array, offsetof(array_header, count)), load_field<uint16_t>(array, offsetof(array_header, zero))};
+  return {load_field<uint32_t>(array, offsetof(array_header, magic)),
+          load_field<uint32_t>(array, offsetof(array_header, size)),
+          load_field<uint16_t>(array, offsetof(array_header, count)),
+          load_field<uint16_t>(array, offsetof(array_header, zero))};
 }
 
 constexpr uint32_t kPadding = 4;

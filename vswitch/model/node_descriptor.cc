@@ -38,7 +38,8 @@ bool convert_text(char (&field)[length], uint32_t codepage, ficon_convert_fn con
 } // namespace
 
 bool is_codepage(int64_t number) {
-  return std::any_of(kCodePages.begin(), kCodePages.end(), [number](const code_page& page) { return page.number == number; });
+  return std::any_of(kCodePages.begin(), kCodePages.end(),
+                     [number](const code_page& page) { return page.number == number; });
 }
 
 std::optional<std::string> padded(const node_text& field, std::string_view text) {
