@@ -1,4 +1,4 @@
-// Message transport service.
+// Message transport service: ends as handles, and what a child process must let go of.
 #include <platform/msgq.h>
 #include <pthread.h>
 
