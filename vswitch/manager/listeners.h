@@ -20,10 +20,10 @@ class listeners {
 
   int descriptor() const { return end_.descriptor(); }
 
-  // Sends a notice to all of them, and returns to how many it was sent. Who does not read what it gets misses some.
+  // Sends a notice to all of them, and returns to how many it was sent. One that does not read what it gets misses some.
   uint32_t notify(const notice& sent) const;
 
-  // Refuses what they send: who listens has nothing to ask. Returns whether there may be more.
+  // Refuses what they send, since a listener has nothing to ask here. Returns whether there may be more.
   bool refuse_requests();
 
   bool has_waiting_refusals() const { return refusals_.waiting(); }

@@ -30,7 +30,7 @@ namespace vswitch {
 namespace {
 
 constexpr int kPresenceCheckMs = 1000;
-constexpr int kRetryMs = 2; // an end does not tell when a receiver has room again
+constexpr int kRetryMs = 2; // nothing announces that a receiver has room again
 
 int64_t now_ms() {
   timespec now{};
@@ -74,7 +74,7 @@ class manager {
   outbox answers_;
   swap_orders swaps_;
   int64_t presence_checked_ms_ = 0;
-  bool requests_wait_ = false; // messages, or what else an end has to tell
+  bool requests_wait_ = false; // messages, or that a connection was lost
   bool listeners_wait_ = false;
 };
 
@@ -115,7 +115,7 @@ bool manager::wait() {
 
 int manager::wait_ms() const {
   if (requests_wait_ || listeners_wait_) return 0;
-  const bool retry = answers_.waiting() || listeners_.has_waiting_refusals() || swaps_.has_unasked();
+  const bool retry = answers_.waiting() || listeners_.has_waiting_refusals() || swaps_.has_unsent_question();
   int64_t wait = retry ? kRetryMs : INT32_MAX;
   if (const auto deadline = swaps_.next_deadline_ms()) wait = std::min(wait, *deadline - now_ms());
   wait = std::min(wait, presence_checked_ms_ + kPresenceCheckMs - now_ms());
@@ -128,7 +128,7 @@ void manager::serve() {
   while (wait()) {
     if (requests_wait_) requests_wait_ = requests_.receive([this](owned_message message) { take(std::move(message)); });
     if (listeners_wait_) listeners_wait_ = listeners_.refuse_requests();
-    swaps_.move_on(now_ms());
+    swaps_.advance(now_ms());
     check_presence();
     answers_.retry();
     listeners_.retry();

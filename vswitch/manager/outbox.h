@@ -1,4 +1,5 @@
-// Answers on their way, also those that their receiver has no room for yet: nothing blocks, and nothing overtakes.
+// Answers to be sent, also those that their receiver has no room for yet: nothing blocks, and each peer's answers keep their
+// order.
 #ifndef VSWITCH_MANAGER_OUTBOX_H
 #define VSWITCH_MANAGER_OUTBOX_H
 
@@ -20,13 +21,13 @@ struct message_release {
 };
 using owned_message = std::unique_ptr<msgq_message, message_release>;
 
-// What may wait for one receiver, and for all of them. Whoever asks on and on and never reads loses the answers beyond it.
+// What may wait for one receiver, and for all of them. A peer that asks and never reads loses the answers beyond it.
 inline constexpr size_t kWaitingBytes = size_t{16} << 20;
 inline constexpr size_t kAllWaitingBytes = size_t{128} << 20;
 
 class outbox {
  public:
-  // on_loss: told of each answer that did not reach its receiver, with an errno value.
+  // on_loss: called for each answer that did not reach its receiver, with an errno value.
   outbox(msgq* handle, std::function<void(uint64_t peer, int error)> on_loss);
 
   void answer(owned_message request, payload_bytes payload);
@@ -35,23 +36,23 @@ class outbox {
   void retry();
 
  private:
-  struct letter {
+  struct pending_answer {
     owned_message request;
     payload_bytes payload;
     size_t bytes() const;
   };
-  struct pile {
-    std::deque<letter> letters;
+  struct peer_queue {
+    std::deque<pending_answer> answers;
     size_t bytes = 0;
   };
 
-  int send(const letter& one);
-  void keep(uint64_t peer, letter one);
-  bool send_pile(uint64_t peer, pile& waiting);
+  int send(const pending_answer& one);
+  void keep(uint64_t peer, pending_answer one);
+  bool send_queue(uint64_t peer, peer_queue& waiting);
 
   msgq* handle_;
   std::function<void(uint64_t, int)> on_loss_;
-  std::map<uint64_t, pile> waiting_; // by peer
+  std::map<uint64_t, peer_queue> waiting_; // by peer
   size_t waiting_bytes_ = 0;
 };
 

@@ -26,7 +26,7 @@ std::string printable_text(const char (&field)[bound]) {
   return text;
 }
 
-// What the header tells the log, if it tells anything.
+// What the header's code and texts add to the log; empty when it has none.
 std::string remarks(const ficon_cmi_hdr& header) {
   std::string text;
   if (header.code != 0) text += ", code " + std::to_string(header.code);

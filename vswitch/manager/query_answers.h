@@ -1,4 +1,4 @@
-// Answers to who asks and changes nothing. Each gets the request's payload; one that is not well formed is answered by a
+// Answers to requests that change nothing. Each gets the request's payload; one that is not well formed is answered by a
 // manager_result of FICON_RC_INVALID_ARG. The library's tables are fetched anew for each.
 #ifndef VSWITCH_MANAGER_QUERY_ANSWERS_H
 #define VSWITCH_MANAGER_QUERY_ANSWERS_H

@@ -19,7 +19,7 @@ using enum swap_phase;
 constexpr phase_row kPhases[] = {
     // phase       question                               step            if agreed     if refused    if silent
     {check_lock, {kOpSwapCheckLock, false, "check-lock"}, kStepCheckLock, do_swap, unlock_again, unlock_again},
-    // Who refuses has not swapped; who is silent may do it yet.
+    // A client that refuses has not swapped; one that is silent may do it yet.
     {do_swap, {kOpSwapDoSwap, false, "do-swap"}, kStepDoSwap, unlock, unlock_again, swap_back},
     {unlock, {kOpSwapUnlock, false, "unlock"}, kStepUnlock, map, swap_back, swap_back},
     {map, {0, false, "map"}, kStepMap, done, swap_back, swap_back},

@@ -17,9 +17,9 @@ namespace vswitch {
 
 swap_orders::swap_orders(switch_store& store, const served_end& requests, outbox& answers, const event_log& log,
                          int patience_ms)
-    : store_(store), requests_(requests), answers_(answers), log_(log), desk_(surroundings(), patience_ms) {}
+    : store_(store), requests_(requests), answers_(answers), log_(log), swaps_(actions(), patience_ms) {}
 
-swap_surroundings swap_orders::surroundings() {
+swap_actions swap_orders::actions() {
   return {[this](uint64_t peer, uint32_t opcode, const ficon_if_swap_req& request) {
             return requests_.send(peer, opcode, std::as_bytes(std::span(&request, 1)));
           },
@@ -30,11 +30,11 @@ swap_surroundings swap_orders::surroundings() {
           log_};
 }
 
-void swap_orders::move_on(int64_t now_ms) {
-  if (desk_.empty()) return;
-  desk_.give_up_gone(requests_.peers(), now_ms);
-  desk_.ask_again(now_ms);
-  desk_.give_up_late(now_ms);
+void swap_orders::advance(int64_t now_ms) {
+  if (swaps_.empty()) return;
+  swaps_.give_up_disconnected(requests_.peers(), now_ms);
+  swaps_.resend_questions(now_ms);
+  swaps_.give_up_overdue(now_ms);
 }
 
 void swap_orders::take_reply(msgq_message* reply, int64_t now_ms) {
@@ -42,7 +42,7 @@ void swap_orders::take_reply(msgq_message* reply, int64_t now_ms) {
   const uint64_t peer = msgq_peer_get(reply);
   if (!response)
     log_(peer, "a reply to nothing, not well formed", FICON_RC_INVALID_ARG);
-  else if (!desk_.respond(peer, *response, now_ms))
+  else if (!swaps_.respond(peer, *response, now_ms))
     log_(peer, "a response to swap " + std::to_string(response->swap_word4) + ", which does not wait for it",
          FICON_RC_INVALID_ARG);
 }
@@ -52,7 +52,7 @@ uint32_t swap_orders::check(uint32_t if_index_a, uint32_t if_index_b, vsan_block
   const chassis_description& chassis = *chassis_in_use();
   map_tables tables = {};
   uint32_t result = fetch_tables(tables);
-  if (result == 0) result = desk_.may_begin(chassis, tables, if_index_a, if_index_b);
+  if (result == 0) result = swaps_.may_begin(chassis, tables, if_index_a, if_index_b);
   if (result != 0) return result;
   std::array<ficon_pmap_port_entry, 2> entries = {tables.port_to_pn[*index_of(chassis, tables, if_index_a)],
                                                   tables.port_to_pn[*index_of(chassis, tables, if_index_b)]};
@@ -71,7 +71,7 @@ void swap_orders::take_order(owned_message message, int64_t now_ms) {
   const uint32_t b = ntoh_if_index(order->if_index_b);
   vsan_block vsans = no_vsans();
   const uint32_t result = check(a, b, vsans);
-  if (result == 0) return desk_.begin(message.release(), peer, a, b, vsans, now_ms);
+  if (result == 0) return swaps_.begin(message.release(), peer, a, b, vsans, now_ms);
   log_(peer, "swap of " + interface_name(a) + " and " + interface_name(b), result);
   answers_.answer(std::move(message), flat_payload(swap_result{result, kNoStep, 0}));
 }

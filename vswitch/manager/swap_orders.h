@@ -1,4 +1,4 @@
-// Orders to swap two interfaces: taken, carried out on the desk, written into the map, answered.
+// Orders to swap two interfaces: taken from clients, carried out, written into the map, answered.
 #ifndef VSWITCH_MANAGER_SWAP_ORDERS_H
 #define VSWITCH_MANAGER_SWAP_ORDERS_H
 
@@ -7,8 +7,8 @@
 
 #include "event_log.h"
 #include "outbox.h"
+#include "pending_swaps.h"
 #include "served_end.h"
-#include "swap_desk.h"
 #include "vswitch/switch_store.h"
 
 namespace vswitch {
@@ -23,15 +23,15 @@ class swap_orders {
   void take_order(owned_message message, int64_t now_ms);
   void take_reply(msgq_message* reply, int64_t now_ms);
 
-  // Goes on with who can be asked again, and gives up who is gone or late.
-  void move_on(int64_t now_ms);
-  void give_up_all() { desk_.give_up_all(); }
+  // Sends again what clients had no room for, and gives up swaps whose client is gone or does not answer in time.
+  void advance(int64_t now_ms);
+  void give_up_all() { swaps_.give_up_all(); }
 
-  bool has_unasked() const { return desk_.has_unasked(); } // somebody has to be asked again
-  std::optional<int64_t> next_deadline_ms() const { return desk_.next_deadline_ms(); }
+  bool has_unsent_question() const { return swaps_.has_unsent_question(); } // to be sent again
+  std::optional<int64_t> next_deadline_ms() const { return swaps_.next_deadline_ms(); }
 
  private:
-  swap_surroundings surroundings();
+  swap_actions actions();
   uint32_t check(uint32_t if_index_a, uint32_t if_index_b, vsan_block& vsans) const;
   bool write(uint32_t if_index_a, uint32_t if_index_b);
 
@@ -39,7 +39,7 @@ class swap_orders {
   const served_end& requests_;
   outbox& answers_;
   const event_log& log_;
-  swap_desk desk_;
+  pending_swaps swaps_;
 };
 
 } // namespace vswitch

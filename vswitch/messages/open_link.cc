@@ -1,5 +1,5 @@
-// Which link carries the messages of a place, by what the place is called. A new kind of link is told apart here, and nowhere
-// else.
+// Which link carries the messages of a place, by what the place is called. This is the one place that knows every kind
+// of link.
 #include "messages/local/local_link.h"
 #include "messages/message_link.h"
 

@@ -1,5 +1,5 @@
-// Event trace service. Event history records go to whoever watches in this process, and to a file; debug output goes to a file,
-// for flags that are on.
+// Event trace service. Event history records go to the watcher of this process, and to a file; debug output of flags that are on
+// goes to a file.
 #include <platform/evtrc.h>
 #include <unistd.h>
 
@@ -127,7 +127,7 @@ void print_debug(const char* module, std::string_view text) noexcept {
   try {
     const std::string line = debug_line(module, text);
     write_all(debug_file(this_process().debug), line.data(), line.size());
-  } catch (const std::exception&) { // no memory for the line: there is nowhere to tell
+  } catch (const std::exception&) { // no memory for the line: it is left out
   }
 }
 
@@ -141,7 +141,7 @@ void watch_events(std::function<void(const history_event&)> watcher) {
 
 using namespace vswitch;
 
-// Records that nobody would see are filtered, which spares the library from making them.
+// Without a watcher or a file records are filtered, which spares the library from making them.
 VSWITCH_SERVICE int evtrc_hist_event_subtype_check(uint32_t, uint32_t) {
   return this_process().history.watcher || history_file() >= 0 ? 0 : kHistoryFiltered;
 }

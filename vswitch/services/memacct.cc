@@ -105,14 +105,14 @@ void* account_and_allocate(uint32_t library_id, uint32_t type, uint32_t size) {
 
 memory_account report(const memory_state& state, const memory_state::type_of_library& key,
                       const memory_state::account& account) {
-  memory_account told{key.first, key.second, {}, {}, account.allocations, account.bytes, account.refusals};
+  memory_account reported{key.first, key.second, {}, {}, account.allocations, account.bytes, account.refusals};
   auto library = state.libraries.find(key.first);
-  if (library == state.libraries.end()) return told;
+  if (library == state.libraries.end()) return reported;
   const auto& registered = library->second;
-  told.library = registered.name;
+  reported.library = registered.name;
   if (key.second < registered.count && registered.type_names[key.second] != nullptr)
-    told.type_name = registered.type_names[key.second];
-  return told;
+    reported.type_name = registered.type_names[key.second];
+  return reported;
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Which store holds a switch, by what the switch is called. A new kind of store is told apart here, and nowhere else.
+// Which store holds a switch, by what the switch is called. This is the one place that knows every kind of store.
 #include <sys/stat.h>
 
 #include "store/lmdb/lmdb_store.h"

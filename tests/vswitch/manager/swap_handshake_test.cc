@@ -1,7 +1,7 @@
 // What follows what in a swap, and the swaps that are under way, without messages and without time.
 #include <gmock/gmock.h>
+#include <pending_swaps.h>
 #include <platform/if_index.h>
-#include <swap_desk.h>
 #include <vswitch/vswitch.h>
 
 #include <cerrno>
@@ -88,10 +88,10 @@ TEST(SwapHandshake, RequestOfTheUndoingDoSwapIsTheOtherWayRound) {
 
 class SwapDesk : public testing::Test {
  protected:
-  SwapDesk() : desk_(surroundings(), 100) { use_switch(switch_store::in_memory(chassis_)); }
+  SwapDesk() : desk_(actions(), 100) { use_switch(switch_store::in_memory(chassis_)); }
   ~SwapDesk() override { use_switch(nullptr); }
 
-  swap_surroundings surroundings() {
+  swap_actions actions() {
     return {[this](uint64_t peer, uint32_t opcode, const ficon_if_swap_req& request) {
               if (peer == unreachable_) return ECONNREFUSED;
               if (peer == full_) return EAGAIN;
@@ -125,7 +125,7 @@ class SwapDesk : public testing::Test {
   bool writes_ = true;
   std::vector<std::string> sent_;
   std::vector<std::string> log_;
-  swap_desk desk_;
+  pending_swaps desk_;
 };
 
 TEST_F(SwapDesk, AcceptedSwapIsWrittenAndAnswered) {
@@ -139,24 +139,24 @@ TEST_F(SwapDesk, AcceptedSwapIsWrittenAndAnswered) {
 TEST_F(SwapDesk, ClientWithoutRoomIsAskedAgain) {
   full_ = 3;
   begin(3, kFc1_1, kFc1_2, 0);
-  EXPECT_TRUE(desk_.has_unasked());
-  desk_.ask_again(50);
+  EXPECT_TRUE(desk_.has_unsent_question());
+  desk_.resend_questions(50);
   EXPECT_THAT(sent_, IsEmpty());
   full_ = 0;
-  desk_.ask_again(60);
-  EXPECT_FALSE(desk_.has_unasked());
-  desk_.ask_again(70);
+  desk_.resend_questions(60);
+  EXPECT_FALSE(desk_.has_unsent_question());
+  desk_.resend_questions(70);
   EXPECT_THAT(sent_, ElementsAre("check-lock 1 to 3"));
 }
 
 TEST_F(SwapDesk, ClientThatNeverHasRoomIsGivenUpInTime) {
   full_ = 3;
   begin(3, kFc1_1, kFc1_2, 0);
-  desk_.ask_again(99);
+  desk_.resend_questions(99);
   EXPECT_EQ(desk_.next_deadline_ms(), 100);
-  desk_.give_up_late(100); // the undoing has no room either
+  desk_.give_up_overdue(100); // the undoing has no room either
   EXPECT_EQ(desk_.next_deadline_ms(), 200);
-  desk_.give_up_late(200);
+  desk_.give_up_overdue(200);
   EXPECT_THAT(sent_, ElementsAre("answer 1 1 0"));
   EXPECT_TRUE(desk_.empty());
 }
@@ -212,13 +212,13 @@ TEST_F(SwapDesk, OrdersThatCannotBeAreRefused) {
 TEST_F(SwapDesk, SilenceIsWaitedForAsLongAsPatienceLasts) {
   begin(3, kFc1_1, kFc1_2, 1000);
   EXPECT_EQ(desk_.next_deadline_ms(), 1100);
-  desk_.give_up_late(1099);
+  desk_.give_up_overdue(1099);
   EXPECT_THAT(sent_, ElementsAre("check-lock 1 to 3"));
-  desk_.give_up_late(1100);
+  desk_.give_up_overdue(1100);
   EXPECT_THAT(sent_, ElementsAre("check-lock 1 to 3", "unlock 1 to 3"));
-  desk_.give_up_late(1199);
+  desk_.give_up_overdue(1199);
   EXPECT_FALSE(desk_.empty());
-  desk_.give_up_late(1200);
+  desk_.give_up_overdue(1200);
   EXPECT_THAT(sent_, ElementsAre("check-lock 1 to 3", "unlock 1 to 3", "answer 1 1 0"));
   EXPECT_EQ(desk_.next_deadline_ms(), std::nullopt);
 }
@@ -234,14 +234,14 @@ TEST_F(SwapDesk, ClientThatIsGoneIsNotAskedAnyMore) {
   respond(3, 1, 0);
   respond(3, 1, 0);
   unreachable_ = 3;
-  desk_.give_up_gone(std::vector<uint64_t>{1, 2, 4}, 0);
+  desk_.give_up_disconnected(std::vector<uint64_t>{1, 2, 4}, 0);
   EXPECT_THAT(sent_, ElementsAre("check-lock 1 to 3", "do-swap 1 to 3", "unlock 1 to 3", "answer 1 3 0"));
   EXPECT_TRUE(desk_.empty());
 }
 
 TEST_F(SwapDesk, ClientThatIsThereIsWaitedFor) {
   begin(3, kFc1_1, kFc1_2);
-  desk_.give_up_gone(std::vector<uint64_t>{1, 3}, 0);
+  desk_.give_up_disconnected(std::vector<uint64_t>{1, 3}, 0);
   EXPECT_THAT(sent_, ElementsAre("check-lock 1 to 3"));
 }
 

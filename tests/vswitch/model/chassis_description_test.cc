@@ -78,4 +78,20 @@ TEST(ChassisDescription, EmptyMapHasNoNumbers) {
   EXPECT_EQ(map.port_to_vsan[1279], 0);
 }
 
+TEST(ChassisDescription, InterfacesAreThereThatACardHasOrThatWereMade) {
+  const auto chassis = vswitch_test::small_switch();
+  EXPECT_TRUE(has_interface(chassis, fc_port_index(2, 16)));
+  EXPECT_FALSE(has_interface(chassis, fc_port_index(2, 17)));
+  EXPECT_TRUE(has_interface(chassis, logical_index(IF_TYPE_FCIP, 3)));
+  EXPECT_FALSE(has_interface(chassis, logical_index(IF_TYPE_FCIP, 4)));
+}
+
+TEST(ChassisDescription, MembersOfAPortChannelHaveItsNumber) {
+  const auto chassis = vswitch_test::small_switch();
+  EXPECT_EQ(channel_of(chassis, fc_port_index(1, 3)), 5u);
+  EXPECT_EQ(channel_of(chassis, fc_port_index(1, 4)), 5u);
+  EXPECT_EQ(channel_of(chassis, fc_port_index(1, 5)), 0u);
+  EXPECT_EQ(channel_of(chassis, logical_index(IF_TYPE_PORT_CHANNEL, 5)), 0u);
+}
+
 } // namespace

@@ -27,7 +27,7 @@ class descriptor {
   bool open() const noexcept { return number_ >= 0; }
   int number() const noexcept { return number_; } // -1 when it is not open
 
-  // From here on somebody else closes it.
+  // From here on the caller closes it.
   int release() noexcept { return std::exchange(number_, -1); }
 
   // Closes it, and leaves errno alone.

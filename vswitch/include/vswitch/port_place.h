@@ -20,7 +20,7 @@ inline constexpr uint32_t kEndOfEntries = FICON_PMAP_PORT_ENTRIES;         // 1,
 // place would be on the next card.
 std::optional<uint32_t> port_place(uint32_t line_card, unsigned port);
 
-// The same by the slot's line card as somebody numbers them; none also when the slot has none. The library's numbering is
+// The same for a slot, whose line card a numbering tells; none also when the slot has no line card. The library's numbering is
 // ficonm_platform_slot_to_lc_b0.
 using line_card_numbering = int32_t (*)(uint8_t slot_from_0, uint8_t* line_card);
 std::optional<uint32_t> port_place(const fc_port& port, line_card_numbering numbering);

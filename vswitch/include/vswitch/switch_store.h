@@ -15,7 +15,7 @@
 
 namespace vswitch {
 
-// What has become of an opened switch. Who has it open can go on with the switch that was there.
+// What has become of an opened switch. A process that has it open can still read the one that was there.
 enum class switch_presence { in_place, removed, made_anew };
 
 // Kept by the switch's manager. As long as it is, nobody else changes the switch.

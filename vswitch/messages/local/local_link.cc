@@ -40,7 +40,7 @@ class local_connection final : public message_connection {
  private:
   descriptor socket_;
   pid_t process_;
-  int socket_timeout_ms_ = kNoTimeout; // as the system was told last
+  int socket_timeout_ms_ = kNoTimeout; // that the socket has
 };
 
 std::unique_ptr<message_connection> connection_over(descriptor socket, pid_t process) {

@@ -73,7 +73,7 @@ bool is_this_user(const std::optional<ucred>& who) noexcept {
   return who && who->uid == geteuid();
 }
 
-// The folder of the sockets, made when there is none; nobody else may own it or get in.
+// The folder of the sockets, made when there is none. It must be this user's, and no other user may enter it.
 descriptor hold_socket_folder(const descriptor& folder) noexcept {
   if (mkdirat(folder.number(), kMessageFolder, 0700) != 0 && errno != EEXIST) return {};
   descriptor held(openat(folder.number(), kMessageFolder, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
@@ -213,7 +213,7 @@ ssize_t receive_packet(const descriptor& connection, void* packet, waiting may_w
     const ssize_t size = recv(connection.number(), packet, kMaxFrameBytes, flags);
     if (size >= 0 || errno == EAGAIN) return size;
     if (errno == EINTR && may_wait == waiting::yes) return -1;
-    // ECONNRESET is told before what is still there; the end comes after it.
+    // The system reports ECONNRESET before the packets that are still there; then it reports the end.
     if (errno != EINTR && errno != ECONNRESET) return 0;
   }
 }

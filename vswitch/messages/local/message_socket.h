@@ -1,6 +1,6 @@
 // The sockets of a switch's message transport: one a service point, in the folder msgq of the switch's folder.
 //   msgq/101       the socket, there while it is served (or left by a server that was killed)
-//   msgq/101.lock  locked by whoever serves; stays
+//   msgq/101.lock  locked by the server; stays
 // Only one user gets in: the folder is that user's alone, and both sides of a connection look at who the other one is.
 #ifndef VSWITCH_MESSAGES_LOCAL_MESSAGE_SOCKET_H
 #define VSWITCH_MESSAGES_LOCAL_MESSAGE_SOCKET_H

@@ -17,7 +17,7 @@
 
 namespace vswitch {
 
-// What switch_store's functions of these names promise, for a folder.
+// What create(), open() and in_memory() of switch_store promise, for a switch's folder.
 void create_in_folder(const std::string& folder, const chassis_description& chassis);
 std::unique_ptr<switch_store> open_folder(const std::string& folder);
 std::unique_ptr<switch_store> make_in_memory(const chassis_description& chassis);

@@ -26,7 +26,7 @@ descriptor open_lock_file(const std::string& folder, int access) {
   return file;
 }
 
-// Whether the lock was free; only a lock of somebody else is an answer, anything else is trouble.
+// Returns false when another process holds it. Throws for any other failure.
 bool try_lock(const descriptor& file, int kind) {
   if (flock(file.number(), kind | LOCK_NB) == 0) return true;
   if (errno != EWOULDBLOCK) fail("cannot be locked");

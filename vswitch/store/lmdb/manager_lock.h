@@ -1,5 +1,5 @@
-// Who may change a switch's folder: anybody, or its manager alone. A lock on a file in the folder, which ends with the process
-// that holds it however that dies. What is thrown does not name the folder; callers do.
+// Who may change a switch's folder: every process, or its manager alone. Both are locks on a file in the folder, a shared one and
+// an exclusive one, which the system drops with the process. What is thrown does not name the folder; callers do.
 #ifndef VSWITCH_STORE_LMDB_MANAGER_LOCK_H
 #define VSWITCH_STORE_LMDB_MANAGER_LOCK_H
 
@@ -24,7 +24,7 @@ class change_lock {
   descriptor file_;
 };
 
-// Makes this process the folder's manager, from whose start on nobody else changes the switch.
+// Makes this process the folder's manager; from then on no other process changes the switch.
 class manager_lock final : public manager_role {
  public:
   // Waits for changes that are under way; throws switch_error at once when another manager serves the folder.

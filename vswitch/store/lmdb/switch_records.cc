@@ -122,7 +122,8 @@ time_reference reference_from(const MDB_val& value) {
   return {{record.ref_host_sec, record.ref_host_usec}, record.ref_tod};
 }
 
-// One value for all of them: who has the databases of a folder open goes on with those when it is replaced by a newer one.
+// One value for all nodes, not a database of their own: processes of earlier versions that have the folder open know the other
+// databases alone.
 struct node_record {
   uint32_t if_index;
   uint32_t codepage;

@@ -58,7 +58,7 @@
 
 namespace vswitch {
 
-// Where notices are heard: whoever has reached this service point gets all of them.
+// Where listeners get notices: every client that has reached this service point gets all of them.
 inline constexpr uint32_t kNoticeServicePoint = 102;
 inline constexpr msgq_addr kManagerAddress = {FICON_MGR_NODE, FICON_MGR_SERVICE_POINT};
 inline constexpr msgq_addr kNoticeAddress = {FICON_MGR_NODE, kNoticeServicePoint};
