@@ -27,7 +27,7 @@ constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Ju
 constexpr const char* kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 
 // The one text of the library, overwritten by every formatting call; callers get its address.
-char ficon_tod_text[50];
+char formatted_text[50];
 
 // One instant, split.
 struct tod_fields {
@@ -70,10 +70,10 @@ tod_fields split(uint64_t tod) {
 // Oddity: microseconds are not padded, 3 of them print as ".3". Clients that read the text expect it so.
 void write_text(const tod_fields& at, int32_t format) {
   if (format == FICON_TOD_FMT_DAY_FIRST) {
-    std::snprintf(ficon_tod_text, sizeof ficon_tod_text, "%3s %s %d %.2d:%.2d:%.2d.%d %d", at.weekday, at.month, at.day,
+    std::snprintf(formatted_text, sizeof formatted_text, "%3s %s %d %.2d:%.2d:%.2d.%d %d", at.weekday, at.month, at.day,
                   at.hours, at.minutes, at.seconds, at.microseconds, at.year);
   } else if (format == FICON_TOD_FMT_YEAR_FIRST) {
-    std::snprintf(ficon_tod_text, sizeof ficon_tod_text, "%d %3s %s %d %.2d:%.2d:%.2d.%d", at.year, at.weekday, at.month,
+    std::snprintf(formatted_text, sizeof formatted_text, "%d %3s %s %d %.2d:%.2d:%.2d.%d", at.year, at.weekday, at.month,
                   at.day, at.hours, at.minutes, at.seconds, at.microseconds);
   }
 }
@@ -117,7 +117,7 @@ uint32_t read_reference(uint32_t vsan, ficon_host_time& reference, uint64_t& ref
 // Oddity: with any other format the text stays what it was, and its address is handed out all the same.
 void ficon_get_TOD_format(uint64_t tod, const char** text_out, int32_t format) {
   write_text(split(tod), format);
-  if (text_out != nullptr) *text_out = ficon_tod_text;
+  if (text_out != nullptr) *text_out = formatted_text;
 }
 
 void ficon_get_TOD(uint64_t tod, const char** text_out) {
