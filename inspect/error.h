@@ -35,8 +35,4 @@ inline error platform_error(const std::string& message) {
 
 } // namespace inspect
 
-namespace chnsw_tool {
-using namespace inspect;
-}
-
 #endif

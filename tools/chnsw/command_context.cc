@@ -11,16 +11,16 @@ namespace chnsw_tool {
 
 const std::string& command_context::named_switch() const {
   if (switch_path.empty())
-    throw question_error(
+    throw inspect::question_error(
         "no switch is named; name a chassis file or a switch's folder with --switch PATH or in CHNSW_SWITCH");
   return switch_path;
 }
 
 const std::string& command_context::named_folder(const std::string& reason) const {
   const std::string& path = named_switch();
-  if (!is_folder(path)) {
-    opened_switch opened = open_switch(path);
-    throw question_error(fmt::format("{} is a chassis file: {}", opened.path, reason));
+  if (!inspect::is_folder(path)) {
+    inspect::opened_switch opened = inspect::open_switch(path);
+    throw inspect::question_error(fmt::format("{} is a chassis file: {}", opened.path, reason));
   }
   return path;
 }

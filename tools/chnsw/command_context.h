@@ -17,7 +17,7 @@ struct command_context {
 
   // The switch that was named, or a usage error when none was.
   const std::string& named_switch() const;
-  library_session open_session() const { return library_session(open_switch(named_switch())); }
+  inspect::library_session open_session() const { return inspect::library_session(inspect::open_switch(named_switch())); }
 
   // The same for a command that needs a folder: reason says why a file will not do.
   const std::string& named_folder(const std::string& reason) const;

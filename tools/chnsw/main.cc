@@ -49,7 +49,7 @@ exit_code run(int argc, char** argv, result_stream& results) {
 }
 
 void tell(const inspect::error& error) {
-  if (error.failed() == failure::file)
+  if (error.failed() == inspect::failure::file)
     std::fputs(fmt::format("{}\n", error.what()).c_str(), stderr);
   else if (*error.what() != '\0')
     notice(error.what());
