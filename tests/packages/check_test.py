@@ -175,7 +175,7 @@ class Removed(unittest.TestCase):
         self.assertEqual(self.problems_without("nothing"), "")
 
     def test_mandoc(self):
-        self.assertRegex(self.problems_without("mandoc"), r"\Atests/chnsw/\S+:\d+: mandoc: no package of .* it is of mandoc\Z")
+        self.assertRegex(self.problems_without("mandoc"), r"\Atests/tools/chnsw/\S+:\d+: mandoc: no package of .* it is of mandoc\Z")
 
     def test_bsdextrautils(self):
         self.assertIn(": col: no package of the sections build test bench supplies it; here it is of bsdextrautils",

@@ -1,7 +1,7 @@
 // The library's exported variables, all of them.
 //
 // They stand alone because this file is compiled without link-time optimisation, which leaves their types out of the debug
-// information that tests/abi reads.
+// information that tests/libchnsw/abi reads.
 #include <libchnsw.h>
 
 ficon_platform_info* libchnsw_pinfo;
