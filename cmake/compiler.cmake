@@ -44,7 +44,7 @@ endif()
 # check_what_runs(<target>): of what is shipped. Counts are written when a process ends, and when it unloads a library.
 function(check_what_runs target)
   if(CHNSW_CHECKED)
-    target_compile_options(${target} PRIVATE -O1 -fprofile-instr-generate -fcoverage-mapping -fcoverage-compilation-dir=.
+    target_compile_options(${target} PRIVATE -fprofile-instr-generate -fcoverage-mapping -fcoverage-compilation-dir=.
                                              -fsanitize=fuzzer-no-link)
   endif()
 endfunction()
