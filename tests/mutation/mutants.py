@@ -385,6 +385,8 @@ class Finder:
         if cursor.kind != CursorKind.INIT_LIST_EXPR:
             return []
         elements, names = list(cursor.get_children()), columns_of(cursor)
+        if names and len(names) < len(elements):
+            return []  # what it has of the records that it is derived from has no names here
         if names:
             row, path = (self.cell.row, self.cell.path) if self.cell else (None, "")
             return [Cell(row, f"{path}.{name}", self.extent(element)) for name, element in zip(names, elements)]

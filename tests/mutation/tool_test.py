@@ -6,7 +6,11 @@ import subprocess
 import tempfile
 import unittest
 
+import library
 import mutants
+import processes
+import product
+import programs
 import proofs
 import run
 
@@ -19,7 +23,7 @@ class WithFolder(unittest.TestCase):
 
     def write(self, name, text):
         path = self.folder / name
-        path.parent.mkdir(exist_ok=True)
+        path.parent.mkdir(parents=True, exist_ok=True)
         path.write_text(text)
         return path
 
@@ -140,6 +144,11 @@ class Mutants(WithFolder):
         self.assertIn("sample.cc:kNone.y: 7 => 8", names)
         self.assertIn("sample.cc:kNone: exchanged columns x and y", names)
 
+    def test_record_that_is_derived_from_another_is_named_by_its_text(self):
+        names = [m.name for m in self.mutants_of("struct base { int x; };\nstruct row : base { int y; };\n"
+                                                 "const row kNone = {{1}, 7};")]
+        self.assertIn("sample.cc:kNone: const row kNone = {{1}, 7} => const row kNone = {{1}, 8}", names)
+
     def test_record_in_a_function_is_named_by_its_text(self):
         names = [m.name for m in self.mutants_of("struct row { int x; };\nint f() { row r = {7}; return r.x; }")]
         self.assertIn("sample.cc:f: row r = {7} => row r = {8}", names)
@@ -202,7 +211,6 @@ class Runs(WithFolder):
         self.sources = self.folder / "sources"
         self.write("sources/limit.h", "constexpr int kLimit = 10;\nconstexpr int kWidth = 3;\n")
         self.write("sources/clamp.cc", SAMPLE)
-        (self.folder / "work").mkdir()
         self.libraries = [self.library("build", TEST_OF_LIMIT)]
 
     def library(self, name, test):
@@ -212,14 +220,14 @@ class Runs(WithFolder):
         linking = ["gcc", "-shared", "-g", "-o", "libclamp.so", "clamp.o"]
         for step in command, linking, ["gcc", "-o", "clamp_test", source, "-L.", "-lclamp", f"-Wl,-rpath,{build}"]:
             subprocess.run(step, cwd=build, check=True)
-        tests = [run.Test(build / "clamp_test")]
-        return run.Library(build, self.sources, "libclamp.so", {"clamp.cc": command}, linking, tests)
+        tests = [product.Test(build / "clamp_test")]
+        return product.Product(build, self.sources, {"clamp.cc": command}, {"libclamp.so": linking}, tests)
 
     def outcome_of(self, name, proved=()):
-        runner = run.Runner(self.libraries, self.folder / "work", 1, proved)
+        runner = run.Runner(self.libraries, self.folder / "work", 1, library.prepare, proved)
         runner.prepare()
-        every = [mutant for file in self.libraries[0].files() for mutant in self.libraries[0].mutants_of(file)]
-        return runner.outcome(next(mutant for mutant in every if mutant.name == name))
+        every = self.libraries[0].all_mutants_of(self.libraries[0].files, 1)
+        return runner.outcome(next(mutant for mutant in every if mutant.name == name)).kind
 
     def test_what_a_test_notices_is_killed(self):
         self.assertEqual(self.outcome_of(OF_SUM), "killed")
@@ -236,7 +244,7 @@ class Runs(WithFolder):
         self.assertEqual(self.outcome_of(OF_NEGATIVES, proved={OF_NEGATIVES}), "survived")
 
     def test_what_does_not_end_is_killed(self):
-        run.LEAST_PATIENCE = 1
+        library.LEAST_PATIENCE = 1
         self.assertEqual(self.outcome_of(OF_TURNS), "killed")
 
     def test_a_change_that_leaves_the_object_as_it_was_is_the_same_code(self):
@@ -256,14 +264,209 @@ class Runs(WithFolder):
         self.assertEqual((self.sources / "clamp.cc").read_text(), SAMPLE)
 
     def test_a_test_that_does_not_run_the_library_is_told(self):
-        self.libraries[0].tests.append(run.Test(pathlib.Path("/bin/true")))
+        self.libraries[0].tests.append(product.Test(pathlib.Path("/bin/true")))
         with self.assertRaisesRegex(SystemExit, "true does not run the library"):
             self.outcome_of(OF_SUM)
 
     def test_a_test_that_fails_without_any_change_is_told(self):
-        self.libraries[0].tests.append(run.Test(pathlib.Path("/bin/false")))
+        self.libraries[0].tests.append(product.Test(pathlib.Path("/bin/false")))
         with self.assertRaisesRegex(SystemExit, "false fails without any change"):
             self.outcome_of(OF_SUM)
+
+
+PRICE = """
+#include "discount.h"
+static_assert(kFree == 0);
+int price(int count) {
+  if (count >= kMany)
+    return count * 2;
+  int sum = kFree;
+  for (int turns = 0; turns != count; ++turns)
+    sum += 3;
+  return sum;
+}
+"""
+TILL = """
+int price(int count);
+int main(int argc, char** argv) { return argc == 2 ? price(argv[1][0] - 'a') : 99; }
+"""
+TEST_OF_FEW = "int price(int count);\nint main() { return price(2) == 6 ? 0 : 1; }\n"
+# In a folder of its own, as a test of the tool runs it.
+TEST_OF_MANY = """
+#include <stdlib.h>
+int main(void) { return system("cd / && " TILL " k") == 20 * 256 ? 0 : 1; }
+"""
+IF_MANY = "if (count >= kMany) return count"
+OF_MANY = f"shop/price.cc:price: {IF_MANY} * 2 => {IF_MANY} / 2"
+OF_FEW = "shop/price.cc:price: for (int turns = 0; turns != count; ++turns) sum += 3 => for (int turns = 0; turns != count; "
+OF_LIMIT = "shop/discount.h:kMany: constexpr int kMany = 10 => constexpr int kMany = 9"
+
+
+class WhatStandsOnTheLibrary(WithFolder):
+    """Three each, and two each of ten or more: tested by a program that has the function, for two, and by one that runs another
+    program, for ten."""
+
+    def setUp(self):
+        super().setUp()
+        self.patience = programs.LEAST_PATIENCE
+        programs.LEAST_PATIENCE = 2
+        self.addCleanup(setattr, programs, "LEAST_PATIENCE", self.patience)
+        self.write("shop/discount.h", "constexpr int kMany = 10;\nconstexpr int kFree = 0;\n")
+        self.build = self.folder / "build"
+        units = {name: self.write(f"shop/{name}.cc", text) for name, text in (("price", PRICE), ("till", TILL))}
+        tests = {"few_test": self.write("tests/few_test.cc", TEST_OF_FEW),
+                 "many_test": self.write("tests/many_test.c", TEST_OF_MANY)}
+        self.build.mkdir()
+        self.commands = {f"shop/{name}.cc": ["g++", "-O1", "-g", "-o", f"{name}.o", "-c", str(path)]
+                         for name, path in units.items()}
+        self.targets = {"few_test": ["g++", "-o", "few_test", "price.o", str(tests["few_test"])],
+                        "till": ["g++", "-o", "till", "till.o", "price.o"]}
+        many = ["gcc", "-o", "many_test", f'-DTILL="{self.build}/till"', str(tests["many_test"])]
+        for step in *self.commands.values(), *self.targets.values(), many:
+            subprocess.run(step, cwd=self.build, check=True)
+        self.digests = {"few_test": "1", "many_test": "1"}
+        self.tests = [product.Test(self.build / "few_test", targets=["few_test"]),
+                      product.Test(self.build / "many_test", targets=["till"])]
+
+    def shop(self):
+        return programs.Programs(self.build, self.folder, self.commands, self.targets, self.tests, folders=("shop",),
+                                 flags=["-O0"], kept=self.folder / "work",
+                                 digest_of_test=lambda test: self.digests[str(test)])
+
+    def runner(self, jobs=1):
+        runner = run.Runner([self.shop()], self.folder / "work", jobs, programs.prepare)
+        runner.prepare()
+        return runner
+
+    def mutants(self, *names):
+        shop = self.shop()
+        every = {mutant.name: mutant for mutant in shop.all_mutants_of(shop.files, 1)}
+        return [every[name] for name in names]
+
+    def outcome_of(self, name):
+        return self.runner().outcome(*self.mutants(name))
+
+    def test_only_what_reaches_a_line_tests_it(self):
+        shop = self.runner().product
+        reach = [[str(test) for test in shop.tests_of(mutant)] for mutant in self.mutants(OF_MANY, OF_FEW + "++turns) sum -= 3")]
+        self.assertEqual(reach, [["many_test"], ["few_test"]])
+
+    def test_what_a_program_notices_that_has_the_function(self):
+        self.assertEqual(self.outcome_of(OF_FEW + "++turns) sum -= 3"), ("killed", "few_test"))
+
+    def test_what_is_noticed_in_a_program_that_a_test_runs(self):
+        self.assertEqual(self.outcome_of(OF_MANY), ("killed", "many_test"))
+
+    def test_the_second_job_runs_its_own_programs(self):
+        runner = self.runner(2)
+        mutant, = self.mutants(OF_MANY)
+        for _ in runner.all_jobs:
+            runner.known.clear()
+            self.assertEqual(runner.outcome(mutant), ("killed", "many_test"))
+
+    def test_the_original_is_back_after_a_mutant(self):
+        runner = self.runner()
+        runner.outcome(*self.mutants(OF_MANY))
+        self.assertEqual(runner.outcome(*self.mutants(OF_LIMIT)), ("survived", ""))
+
+    def test_what_no_line_stands_for_is_tested_by_all_that_have_it(self):
+        reach = self.runner().product.tests_of(*self.mutants(OF_LIMIT))
+        self.assertEqual({str(test) for test in reach}, {"few_test", "many_test"})
+
+    def test_what_does_not_end_is_told(self):
+        self.assertEqual(self.outcome_of(OF_FEW + "--turns) sum += 3"), ("killed", "did not end: few_test"))
+
+    def test_what_the_compiler_refuses(self):
+        self.assertEqual(self.outcome_of("shop/discount.h:kFree: constexpr int kFree = 0 => constexpr int kFree = 1"),
+                         ("refused by the compiler", ""))
+
+    def test_a_test_that_does_not_run_what_is_mutated_is_told(self):
+        (self.build / "many_test").write_text("#!/bin/sh\n")
+        with self.assertRaisesRegex(SystemExit, "many_test does not run the programs"):
+            self.runner()
+
+    def test_what_tests_reach_is_not_counted_again_while_all_is_the_same(self):
+        self.runner()
+        for target in self.targets:
+            (self.folder / "work/originals/0/targets" / target).rename(self.build / target)
+        (self.build / "few_test").write_text("#!/bin/false\n")
+        self.assertEqual(len(self.runner().product.reached["many_test"]["shop/price.cc"]), 3)
+
+    def kept_after(self, change):
+        """What a second run tries again, when this has happened after the first."""
+        wanted = self.mutants(OF_MANY, OF_FEW + "++turns) sum -= 3", OF_LIMIT)
+        first = self.runner()
+        path = self.folder / "work/kept"
+        run.run_all(first, wanted, self.folder / "log", run.Outcomes(path, first.product))
+        change()
+        first.product.digest_of_test.cache_clear()
+        kept = run.Outcomes(path, first.product)
+        return [mutant.name for mutant in wanted if kept.get(mutant) is None]
+
+    def test_a_second_run_goes_on_where_the_first_ended(self):
+        self.assertEqual(self.kept_after(lambda: None), [])
+
+    def test_a_change_of_a_test_puts_in_doubt_what_it_decided(self):
+        self.assertEqual(self.kept_after(lambda: self.digests.update(many_test="2")), [OF_MANY, OF_LIMIT])
+
+    def test_a_change_of_a_file_puts_in_doubt_what_was_found_of_it(self):
+        self.assertEqual(self.kept_after(lambda: self.write("shop/discount.h", "constexpr int kMany = 11;\n")), [OF_LIMIT])
+
+    def test_an_outcome_that_is_kept_is_not_tried_again(self):
+        wanted = self.mutants(OF_MANY, OF_LIMIT)
+        runner = self.runner()
+        kept = run.Outcomes(self.folder / "work/kept", runner.product)
+        kept.found = {OF_MANY: ["killed", "few_test", kept.key(wanted[0], run.Outcome("killed", "few_test"))]}
+        self.assertEqual(run.run_all(runner, wanted, self.folder / "log", kept), {OF_MANY: "killed", OF_LIMIT: "survived"})
+        self.assertIn("few_test", (self.folder / "log").read_text())
+
+
+class WrittenIn(WithFolder):
+    """A test program of two suites, and what they share."""
+
+    def changed_by(self, name, text):
+        """The suites that are others, once this is written."""
+        files = [self.write("open_test.cc", "TEST(Open, Once) {}\n"), self.write("close_test.cc", "TEST_F(Close, Once) {}\n"),
+                 self.write("door.cc", "int doors() { return 2; }\n")]
+        self.write("door.h", "int doors();\n")
+        suites = [product.Test(pathlib.Path("door_tests"), f"{suite}.*") for suite in ("Open", "All/Close")]
+        before = [programs.digest_of_sources(test, files, self.folder) for test in suites]
+        self.write(name, text)
+        after = [programs.digest_of_sources(test, files, self.folder) for test in suites]
+        return [test.tests for test, was, now in zip(suites, before, after) if was != now]
+
+    def test_a_suite_is_what_stands_in_its_file(self):
+        self.assertEqual(self.changed_by("open_test.cc", "TEST(Open, Twice) {}\n"), ["Open.*"])
+        self.assertEqual(self.changed_by("close_test.cc", "TEST_F(Close, Twice) {}\n"), ["All/Close.*"])
+
+    def test_and_in_what_has_no_tests(self):
+        self.assertEqual(self.changed_by("door.cc", "int doors() { return 3; }\n"), ["Open.*", "All/Close.*"])
+        self.assertEqual(self.changed_by("door.h", "long doors();\n"), ["Open.*", "All/Close.*"])
+
+
+class Drawing(unittest.TestCase):
+    def test_the_same_ones_for_the_same_number(self):
+        self.assertEqual(run.drawn(range(1000), 5, 1), [137, 582, 867, 821, 782])
+
+    def test_other_ones_for_another(self):
+        self.assertNotEqual(run.drawn(range(1000), 5, 1), run.drawn(range(1000), 5, 2))
+
+    def test_all_when_there_are_no_more(self):
+        self.assertEqual(run.drawn([3, 1, 2], 3, 1), [3, 1, 2])
+
+    def test_a_larger_sample_begins_with_the_smaller(self):
+        self.assertEqual(run.drawn(range(1000), 8, 1)[:5], run.drawn(range(1000), 5, 1))
+
+
+class Processes(WithFolder):
+    def test_what_has_a_session_of_its_own_ends_too(self):
+        start = 'setsid sh -c "echo > started; exec sleep 1000" & while [ ! -s started ]; do :; done'
+        outcome = processes.run(["sh", "-c", start], self.folder, 10, **{processes.MARK: str(self.folder)})
+        self.assertEqual((outcome, processes.marked(self.folder)), ("passed", []))
+
+    def test_what_does_not_end_is_ended(self):
+        outcome = processes.run(["sleep", "1000"], self.folder, 0.1, **{processes.MARK: str(self.folder)})
+        self.assertEqual((outcome, processes.marked(self.folder)), ("did not end", []))
 
 
 class Proofs(WithFolder):

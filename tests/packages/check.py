@@ -48,10 +48,6 @@ STANDS_FOR = {
                        "${triplet}-g++": ("powerpc-linux-gnu-g++", "s390x-linux-gnu-g++")},
     "fuzz": {'"$program"': ()},
     "lib.sh": {'"$@"': ()},
-    "run.py": {"self.commands[unit]": ("gcc", "g++"),
-               "[word for word in self.library.commands[unit] if not re.match('-(g.*|W(?!l,).*|flto.*)$', word)]": ("gcc", "g++"),
-               "[objects.get(word, word) for word in self.library.linking if not re.match('-(g|flto.*)$', word)]": ("gcc", "g++"),
-               "test.command()": ()},
     "target-sysroot": {'"$triplet-gcc"': ("powerpc-linux-gnu-gcc", "s390x-linux-gnu-gcc")},
     "tool_test.py": {"step": ("gcc", "g++")},
 }
