@@ -98,10 +98,11 @@ int readiness::wait_for_many(int timeout_ms, ready_list& ready) {
   const int count = epoll_wait(events_.number(), events.data(), kEventsAtOnce, timeout_ms);
   if (count <= 0) return count == 0 ? ETIMEDOUT : errno;
   for (const epoll_event& event : std::span(events.data(), static_cast<size_t>(count))) {
-    if (event.data.u64 == kListener)
+    const uint64_t number = event.data.u64; // it stands at an odd address, which nothing may refer to
+    if (number == kListener)
       ready.listener = true;
     else
-      ready.connections.push_back(event.data.u64);
+      ready.connections.push_back(number);
   }
   return 0;
 }
