@@ -4,7 +4,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
+#include "inspect/messages/manager_client.h"
 #include "inspect/messages/manager_questions.h"
 #include "inspect/port_map/vsan_ports.h"
 #include "inspect/words/number_lists.h"
@@ -24,6 +27,12 @@ using inspect::enabled_vsan;
 using inspect::node_answer;
 using inspect::port_map_answer;
 using inspect::vsan_state_answer;
+
+struct ask_options {
+  std::vector<std::string> interfaces; // as in "fc3/1-48"; not of every question
+  std::string vsans;                   // of vsan-state
+  double timeout_seconds = inspect::kUsualTimeoutSeconds;
+};
 
 const record_column<port_map_answer> kPortMapColumns[] = {
     {{"interface", "INTERFACE"}, [](const port_map_answer& answer) { return interface_name_cell(answer.if_index); }},
@@ -128,8 +137,6 @@ exit_code code_of(const std::vector<answer>& answers, check is_good) {
   return !answers.empty() && std::all_of(answers.begin(), answers.end(), is_good) ? kFound : kNotFound;
 }
 
-} // namespace
-
 exit_code ask_portmap(const command_context& context, const ask_options& options) {
   inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
   std::vector<port_map_answer> answers;
@@ -166,8 +173,6 @@ exit_code ask_rnid(const command_context& context, const ask_options& options) {
 }
 
 // ---- The commands ----
-
-namespace {
 
 command ask_portmap_command() {
   auto options = std::make_shared<ask_options>();

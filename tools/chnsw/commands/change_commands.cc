@@ -4,8 +4,10 @@
 #include <fmt/format.h>
 
 #include <functional>
+#include <string>
 
 #include "commands/tod_command.h"
+#include "inspect/chassis/port_map_edit.h"
 #include "inspect/chassis/switch_changes.h"
 #include "output/difference_columns.h"
 #include "output/record_table.h"
@@ -14,6 +16,7 @@ namespace chnsw_tool {
 
 namespace {
 
+using inspect::new_port_values;
 using vswitch::chassis_description;
 
 // Prints what was done. When that cannot be written, a notice says that it was done all the same.
@@ -41,6 +44,11 @@ exit_code change_folder(const command_context& context,
 
 // ---- create ----
 
+struct create_options {
+  std::string folder;
+  std::string from;
+};
+
 struct created_switch {
   const create_options& options;
   chassis_description chassis;
@@ -62,8 +70,6 @@ const record_column<created_switch> kCreatedColumns[] = {
     {{"change_counter", "CHANGE"}, [](const created_switch& made) -> cell { return int64_t{made.chassis.change_counter}; }},
 };
 
-} // namespace
-
 exit_code create_switch(const command_context& context, const create_options& options) {
   const inspect::opened_switch opened = inspect::open_switch(options.from);
   const created_switch made{options, inspect::create_folder(options.folder, opened.chassis)};
@@ -71,7 +77,19 @@ exit_code create_switch(const command_context& context, const create_options& op
   return kFound;
 }
 
-exit_code set_port(const command_context& context, const set_port_options& options) {
+// ---- set ----
+
+struct set_binding_options {
+  std::string pn;
+  std::string interface;
+};
+
+struct set_address_options {
+  std::string pa;
+  std::string pn;
+};
+
+exit_code set_port(const command_context& context, const new_port_values& options) {
   if (!options.pn && !options.pa && !options.vsans && !options.vsan)
     throw inspect::question_error("nothing to set; give --pn, --pa, --vsans or --vsan");
   return change_folder(context, [&](const auto& chassis) { return inspect::edit_of_port(chassis, options); });
@@ -88,21 +106,8 @@ exit_code set_address(const command_context& context, const set_address_options&
 
 // ---- The commands ----
 
-command create_command() {
-  auto options = std::make_shared<create_options>();
-  return {.name = "create",
-          .what = "Make a switch's folder from a chassis file, or replace the switch that is in it",
-          .examples = "  chnsw create /tmp/director examples/director-10.toml",
-          .arguments = {word("FOLDER", &options->folder, "Folder of the switch; made when it is not there").path(),
-                        word("FILE", &options->from, "Chassis file, or folder of another switch").path()},
-          .run = runs(create_switch, options),
-          .parts = {}};
-}
-
-namespace {
-
 command set_port_command() {
-  auto options = std::make_shared<set_port_options>();
+  auto options = std::make_shared<new_port_values>();
   return {.name = "port",
           .what = "A port's numbers and VSANs",
           .examples =
@@ -143,6 +148,17 @@ command set_address_command() {
 }
 
 } // namespace
+
+command create_command() {
+  auto options = std::make_shared<create_options>();
+  return {.name = "create",
+          .what = "Make a switch's folder from a chassis file, or replace the switch that is in it",
+          .examples = "  chnsw create /tmp/director examples/director-10.toml",
+          .arguments = {word("FOLDER", &options->folder, "Folder of the switch; made when it is not there").path(),
+                        word("FILE", &options->from, "Chassis file, or folder of another switch").path()},
+          .run = runs(create_switch, options),
+          .parts = {}};
+}
 
 command set_command() {
   return {.name = "set",

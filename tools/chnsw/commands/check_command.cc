@@ -17,6 +17,10 @@ namespace {
 using inspect::finding;
 using inspect::library_session;
 
+struct check_options {
+  bool notes = false; // also what is as it should be, but good to know
+};
+
 cell kind_cell(const finding& found) {
   return toned_text{kind_name(found.kind), is_note(found.kind) ? tone::faint : tone::bad};
 }
@@ -45,8 +49,6 @@ std::string summary(const library_session& session, size_t findings, size_t note
   return notes != 0 && !notes_shown ? text + " (--notes shows them)" : text;
 }
 
-} // namespace
-
 exit_code check_switch(const command_context& context, const check_options& options) {
   const library_session session = context.open_session();
   auto found = find_in_map(session);
@@ -59,6 +61,8 @@ exit_code check_switch(const command_context& context, const check_options& opti
   notice(summary(session, found.size() - notes, notes, options.notes));
   return found.size() == notes ? kFound : kNotFound;
 }
+
+} // namespace
 
 command check_command() {
   auto options = std::make_shared<check_options>();

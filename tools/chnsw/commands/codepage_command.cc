@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "inspect/mainframe/code_page.h"
 #include "inspect/mainframe/host_text.h"
@@ -18,6 +20,12 @@ namespace {
 
 using inspect::code_page;
 using inspect::converted_text;
+
+struct codepage_options {
+  std::vector<std::string> pages; // none: those that there are
+  std::vector<std::string> to_host;
+  std::vector<std::string> from_host;
+};
 
 cell name_of(uint32_t codepage) {
   return std::string(ficon_get_codepage_name(codepage));
@@ -165,8 +173,6 @@ exit_code print_texts(const command_context& context, const std::vector<converte
   return any ? kNotFound : kFound;
 }
 
-} // namespace
-
 exit_code show_codepages(const command_context& context, const codepage_options& options) {
   const bool converts = !options.to_host.empty() || !options.from_host.empty();
   if (options.pages.empty() && converts)
@@ -179,8 +185,6 @@ exit_code show_codepages(const command_context& context, const codepage_options&
 }
 
 // ---- The command ----
-
-namespace {
 
 std::vector<std::string> offered_codepages(std::span<const std::string>) {
   std::vector<std::string> words;

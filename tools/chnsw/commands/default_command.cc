@@ -4,6 +4,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "inspect/port_map/default_numbering.h"
 #include "inspect/words/number_lists.h"
@@ -18,6 +20,12 @@ using inspect::default_entry;
 using inspect::default_number;
 using inspect::default_numbering;
 using inspect::library_session;
+
+struct default_options {
+  std::vector<std::string> slots; // the default numbers of these slots
+  bool logical = false;           // the default numbers without a physical port
+  bool verdict = false;           // only whether the map is the default
+};
 
 // ---- Verdict ----
 
@@ -111,8 +119,6 @@ exit_code print_slots(const command_context& context, const default_options& opt
   return all_found ? kFound : kNotFound;
 }
 
-} // namespace
-
 exit_code show_default(const command_context& context, const default_options& options) {
   const library_session session = context.open_session();
   if (!options.slots.empty() || options.logical) return print_slots(context, options, session);
@@ -125,6 +131,8 @@ exit_code show_default(const command_context& context, const default_options& op
   notice(in_words(numbering));
   return numbering.expected.empty() ? kNotFound : kFound;
 }
+
+} // namespace
 
 command default_command() {
   auto options = std::make_shared<default_options>();

@@ -1,9 +1,18 @@
 #include "commands/diff_command.h"
 
+#include <string>
+
 #include "inspect/chassis/switch_differences.h"
 #include "output/difference_columns.h"
 
 namespace chnsw_tool {
+
+namespace {
+
+struct diff_options {
+  std::string a;
+  std::string b;
+};
 
 exit_code show_diff(const command_context& context, const diff_options& options) {
   const inspect::opened_switch a = inspect::open_switch(options.a);
@@ -12,6 +21,8 @@ exit_code show_diff(const command_context& context, const diff_options& options)
   context.print(document);
   return document.rows.empty() ? kFound : kNotFound;
 }
+
+} // namespace
 
 command diff_command() {
   auto options = std::make_shared<diff_options>();

@@ -3,10 +3,11 @@
 #include <fmt/format.h>
 
 #include <nlohmann/json.hpp>
+#include <string>
 
-#include "commands/map_commands.h"
 #include "inspect/port_map/map_entries.h"
 #include "inspect/port_map/port_map_tables.h"
+#include "output/map_document.h"
 #include "output/node_records.h"
 #include "vswitch/chassis_file.h"
 #include "vswitch/interface_index.h"
@@ -16,6 +17,10 @@ namespace chnsw_tool {
 namespace {
 
 using nlohmann::ordered_json;
+
+struct export_options {
+  std::string to; // csv, json, toml; empty: what --format says, else toml
+};
 
 // Adds a number under its name, with its hexadecimal text beside it; null for a missing one.
 void add_number(const char* name, uint32_t number, uint32_t missing, unsigned digits, ordered_json& object) {
@@ -124,8 +129,6 @@ std::string as_json(const vswitch::chassis_description& chassis, int indent) {
   return whole.dump(indent, ' ', false, ordered_json::error_handler_t::replace) + "\n";
 }
 
-} // namespace
-
 exit_code export_switch(const command_context& context, const export_options& options) {
   const output_format format = context.style.format;
   if (options.to == "csv" || (options.to.empty() && format == output_format::csv)) {
@@ -139,6 +142,8 @@ exit_code export_switch(const command_context& context, const export_options& op
                              : vswitch::write_chassis_file(opened.chassis));
   return kFound;
 }
+
+} // namespace
 
 command export_command() {
   auto options = std::make_shared<export_options>();

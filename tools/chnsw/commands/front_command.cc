@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -23,6 +24,10 @@
 namespace chnsw_tool {
 
 namespace {
+
+struct front_options {
+  std::string svg; // file to draw into, "-" for standard output; empty: draw in the terminal
+};
 
 [[noreturn]] void refuse(const std::string& path, int error) {
   throw inspect::platform_error(fmt::format("the picture cannot be written to {}: {}", path, std::strerror(error)));
@@ -124,8 +129,6 @@ result_document as_document(const inspect::chassis_front& front) {
   return document_of(front_table(), rows);
 }
 
-} // namespace
-
 exit_code show_front(const command_context& context, const front_options& options) {
   const inspect::library_session session = context.open_session();
   const inspect::chassis_front front = front_of(session);
@@ -140,6 +143,8 @@ exit_code show_front(const command_context& context, const front_options& option
   }
   return kFound;
 }
+
+} // namespace
 
 command front_command() {
   auto options = std::make_shared<front_options>();

@@ -151,9 +151,7 @@ std::string tables_of(const library_session& session, const chassis_facts& facts
          section("Nodes", document_of(node_table(), nodes), style);
 }
 
-} // namespace
-
-exit_code show_info(const command_context& context, const no_options&) {
+exit_code show_info(const command_context& context) {
   const library_session session = context.open_session();
   const chassis_facts facts = facts_of(session);
   std::string tables = context.style.format == output_format::table ? tables_of(session, facts, context.style) : "";
@@ -161,12 +159,14 @@ exit_code show_info(const command_context& context, const no_options&) {
   return kFound;
 }
 
+} // namespace
+
 command info_command() {
   return {.name = "info",
           .what = "The chassis: slots, cards, VSANs, highest port number, change counter",
           .examples = "  chnsw -s FILE info\n  chnsw -s FILE info --format json",
           .arguments = {},
-          .run = runs(show_info, std::make_shared<no_options>()),
+          .run = show_info,
           .parts = {}};
 }
 

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
+
 #include "inspect/messages/manager_client.h"
 #include "inspect/messages/manager_notices.h"
 #include "interruption.h"
@@ -16,6 +18,10 @@ namespace chnsw_tool {
 namespace {
 
 using inspect::manager_notice;
+
+struct listen_options {
+  uint64_t count = 0; // notices before it ends by itself; 0: never
+};
 
 const record_column<manager_notice> kNoticeColumns[] = {
     {{"at", "", 0, false, column::data_only},
@@ -62,8 +68,6 @@ void add_notices(const command_context& context, inspect::manager_client& manage
   }
 }
 
-} // namespace
-
 exit_code listen_to_manager(const command_context& context, const listen_options& options) {
   const interruption stop;
   inspect::manager_client manager(managed_folder(context), inspect::kUsualTimeoutSeconds);
@@ -73,6 +77,8 @@ exit_code listen_to_manager(const command_context& context, const listen_options
   rows.fill([&] { add_notices(context, manager, options, stop, rows); });
   return kFound;
 }
+
+} // namespace
 
 command listen_command() {
   auto options = std::make_shared<listen_options>();

@@ -17,6 +17,10 @@ namespace chnsw_tool {
 
 namespace {
 
+struct manager_command_options {
+  std::string folder; // empty: the switch that the context names
+};
+
 // The log on standard error. The manager waits for nobody, so a line that finds no room, or a full disk, is counted and left out.
 class manager_log {
  public:
@@ -42,8 +46,6 @@ class manager_log {
   uint64_t left_out_ = 0;
 };
 
-} // namespace
-
 exit_code serve_folder(const command_context& context, const manager_command_options& options) {
   const command_context served{context.results, context.style,
                                options.folder.empty() ? context.switch_path : options.folder};
@@ -63,6 +65,8 @@ exit_code serve_folder(const command_context& context, const manager_command_opt
   notice("ended");
   return kFound;
 }
+
+} // namespace
 
 command manager_command() {
   auto options = std::make_shared<manager_command_options>();

@@ -3,12 +3,16 @@
 
 #include <fmt/format.h>
 
+#include <string>
+#include <vector>
+
 #include "inspect/port_map/bound_numbers.h"
 #include "inspect/port_map/interface_walk.h"
 #include "inspect/port_map/map_entries.h"
 #include "inspect/port_map/vsan_ports.h"
 #include "inspect/words/number_lists.h"
 #include "inspect/words/port_lists.h"
+#include "output/map_document.h"
 #include "output/port_row.h"
 #include "vswitch/interface_index.h"
 
@@ -18,37 +22,30 @@ namespace {
 
 using inspect::bound_number;
 using inspect::library_session;
-using inspect::map_entry;
 using inspect::vsan_port;
 using inspect::walk_step;
 
 // ---- map ----
 
-cell there_cell(const map_entry& entry) {
-  if (!entry.there) return {};
-  return *entry.there;
-}
+struct map_options {
+  std::vector<std::string> indexes; // empty: every entry that holds anything
+};
 
-std::span<const record_column<map_entry>> map_table() {
-  static const record_column<map_entry> kTable[] = {
-      {{"index", "INDEX"}, [](const map_entry& of) -> cell { return int64_t{of.index}; }},
-      {{"pn", "PN", 2}, [](const map_entry& of) { return number_cell(of.pn); }},
-      {{"pa", "PA", 2, true}, [](const map_entry& of) { return number_cell(of.pa); }},
-      {{"vsans", "VSANS"}, [](const map_entry& of) -> cell { return of.vsans; }},
-      {{"port_vsan", "VSAN"}, [](const map_entry& of) { return vsan_cell(of.port_vsan); }},
-      {{"slot_port", "SLOT/PORT", 0, false, column::table_only},
-       [](const map_entry& of) { return slot_and_port_cell(of.port); }},
-      {{"slot", "", 0, false, column::data_only}, [](const map_entry& of) { return slot_cell(of.port); }},
-      {{"port", "", 0, false, column::data_only}, [](const map_entry& of) { return port_cell(of.port); }},
-      {{"if_index", "IF-INDEX", 8, true}, [](const map_entry& of) { return interface_cell(of.if_index); }},
-      {{"interface", "INTERFACE"}, [](const map_entry& of) { return interface_name_cell(of.if_index); }},
-      {{"there", "THERE"}, there_cell},
-      {{"port_channel", "PORT-CHANNEL"},
-       [](const map_entry& of) { return known_cell(of.channel != 0, int64_t{of.channel}); }}};
-  return kTable;
+exit_code show_map(const command_context& context, const map_options& options) {
+  constexpr inspect::number_kind kMapIndex = {"port map index", 10, 0, FICON_PMAP_PORT_ENTRIES - 1, "254 or 0-47,1024"};
+  const library_session session = context.open_session();
+  auto indexes = options.indexes.empty()
+                     ? indexes_in_use(session)
+                     : parse_numbers(kMapIndex, options.indexes, inspect::numbers_below(FICON_PMAP_PORT_ENTRIES));
+  context.print(map_document(session, indexes));
+  return indexes.empty() ? kNotFound : kFound;
 }
 
 // ---- vsan ----
+
+struct vsan_options {
+  std::vector<std::string> vsans;
+};
 
 std::span<const record_column<vsan_port>> vsan_table() {
   static const record_column<vsan_port> kTable[] = {
@@ -66,6 +63,19 @@ std::span<const record_column<vsan_port>> vsan_table() {
   return kTable;
 }
 
+exit_code show_vsans(const command_context& context, const vsan_options& options) {
+  const library_session session = context.open_session();
+  result_document document{columns_of(vsan_table()), {}};
+  bool every_one_has_ports = true;
+  for (uint32_t vsan : parse_numbers(inspect::kVsan, options.vsans, inspect::vsans_of(session.chassis()))) {
+    const auto ports = inspect::ports_in_vsan(vsan);
+    for (const auto& port : ports) document.add(cells_of(vsan_table(), port));
+    if (ports.empty()) every_one_has_ports = false;
+  }
+  context.print(document);
+  return every_one_has_ports && !document.rows.empty() ? kFound : kNotFound;
+}
+
 // ---- logical ----
 
 std::span<const record_column<bound_number>> bound_number_table() {
@@ -77,7 +87,19 @@ std::span<const record_column<bound_number>> bound_number_table() {
   return kTable;
 }
 
+exit_code show_logical_interfaces(const command_context& context) {
+  const library_session session = context.open_session();
+  const auto numbers = bound_numbers(session);
+  context.print(document_of(bound_number_table(), numbers));
+  return numbers.empty() ? kNotFound : kFound;
+}
+
 // ---- next, last ----
+
+struct walk_options {
+  std::vector<std::string> what; // interfaces to start from
+  bool all = false;
+};
 
 // A walk asks nothing about physical interfaces or VSANs.
 bool is_in_walk(const column& column) {
@@ -132,44 +154,6 @@ exit_code walk_from_each(const command_context& context, step_function take_step
   return all_found && !document.rows.empty() ? kFound : kNotFound;
 }
 
-} // namespace
-
-result_document map_document(const library_session& session, const std::vector<uint32_t>& indexes) {
-  result_document document{columns_of(map_table()), {}};
-  for (uint32_t index : indexes) document.add(cells_of(map_table(), map_entry_at(session, index)));
-  return document;
-}
-
-exit_code show_map(const command_context& context, const map_options& options) {
-  constexpr inspect::number_kind kMapIndex = {"port map index", 10, 0, FICON_PMAP_PORT_ENTRIES - 1, "254 or 0-47,1024"};
-  const library_session session = context.open_session();
-  auto indexes = options.indexes.empty()
-                     ? indexes_in_use(session)
-                     : parse_numbers(kMapIndex, options.indexes, inspect::numbers_below(FICON_PMAP_PORT_ENTRIES));
-  context.print(map_document(session, indexes));
-  return indexes.empty() ? kNotFound : kFound;
-}
-
-exit_code show_vsans(const command_context& context, const vsan_options& options) {
-  const library_session session = context.open_session();
-  result_document document{columns_of(vsan_table()), {}};
-  bool every_one_has_ports = true;
-  for (uint32_t vsan : parse_numbers(inspect::kVsan, options.vsans, inspect::vsans_of(session.chassis()))) {
-    const auto ports = inspect::ports_in_vsan(vsan);
-    for (const auto& port : ports) document.add(cells_of(vsan_table(), port));
-    if (ports.empty()) every_one_has_ports = false;
-  }
-  context.print(document);
-  return every_one_has_ports && !document.rows.empty() ? kFound : kNotFound;
-}
-
-exit_code show_logical_interfaces(const command_context& context, const no_options&) {
-  const library_session session = context.open_session();
-  const auto numbers = bound_numbers(session);
-  context.print(document_of(bound_number_table(), numbers));
-  return numbers.empty() ? kNotFound : kFound;
-}
-
 exit_code show_next(const command_context& context, const walk_options& options) {
   return walk_from_each(context, inspect::step_to_next, options);
 }
@@ -179,8 +163,6 @@ exit_code show_last(const command_context& context, const walk_options& options)
 }
 
 // ---- The commands ----
-
-namespace {
 
 command map_command() {
   auto options = std::make_shared<map_options>();
@@ -212,7 +194,7 @@ command logical_command() {
           .what = "The port numbers that are bound to an interface",
           .examples = "  chnsw -s FILE logical",
           .arguments = {},
-          .run = runs(show_logical_interfaces, std::make_shared<no_options>()),
+          .run = show_logical_interfaces,
           .parts = {}};
 }
 

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "inspect/messages/hex_text.h"
 #include "inspect/messages/message_record.h"
@@ -21,6 +23,17 @@ using inspect::field_value;
 using inspect::message_field;
 using inspect::message_framing;
 using inspect::message_kind;
+
+struct message_list_options {
+  std::vector<std::string> kinds; // none: all
+};
+
+struct message_options {
+  std::string kind;
+  std::vector<std::string> words; // the bytes, or FIELD=VALUE
+  std::string order;              // "big" or "little"; empty: that of the array, else big
+  bool value_alone = false;       // without the TLV array around it
+};
 
 constexpr size_t kShownBytes = 16; // in a table; data has all
 constexpr size_t kLineBytes = 32;
@@ -162,8 +175,6 @@ std::string lines_of_hex(const std::string& payload) {
   return text;
 }
 
-} // namespace
-
 exit_code list_messages(const command_context& context, const message_list_options& options) {
   std::vector<listed_field> listed;
   for (const auto& name : options.kinds) add_kind(inspect::find_message_kind(name), listed);
@@ -196,8 +207,6 @@ exit_code encode_message(const command_context& context, const message_options& 
 }
 
 // ---- The commands ----
-
-namespace {
 
 std::vector<std::string> offered_kinds(std::span<const std::string>) {
   return inspect::names_of(inspect::message_kinds());

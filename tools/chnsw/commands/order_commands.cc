@@ -4,7 +4,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
 
+#include "inspect/messages/manager_client.h"
 #include "inspect/messages/manager_orders.h"
 #include "inspect/port_map/vsan_ports.h"
 #include "inspect/words/number_lists.h"
@@ -18,6 +22,13 @@ namespace chnsw_tool {
 namespace {
 
 // ---- install ----
+
+struct install_options {
+  std::string vsans;
+  std::vector<std::string> interfaces;
+  bool uninstall = false;
+  double timeout_seconds = inspect::kUsualTimeoutSeconds;
+};
 
 struct answered_install {
   inspect::install_order order;
@@ -44,7 +55,27 @@ const record_column<answered_install> kInstallColumns[] = {
     {{"status", "STATUS"}, [](const answered_install& answered) -> cell { return status{answered.status}; }},
 };
 
+exit_code install_vsans(const command_context& context, const install_options& options) {
+  inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
+  inspect::install_order order{options.uninstall, {}, {}};
+  order.vsans = inspect::parse_numbers(inspect::kVsan, {options.vsans}, inspect::vsans_of(manager.chassis()));
+  order.if_indexes = inspect::parse_interfaces(manager.chassis(), options.interfaces);
+  if (order.vsans.empty() || order.if_indexes.empty())
+    throw inspect::question_error("this switch has no VSANs, or no interfaces, that \"all\" means");
+  const uint32_t status = inspect::order_install(manager, order);
+  context.print(document_of<answered_install>(kInstallColumns, {{order, status}}));
+  return status == 0 ? kFound : kNotFound;
+}
+
 // ---- notify ----
+
+struct notify_options {
+  std::string vsans;
+  std::vector<std::string> interfaces;
+  std::string state; // "up", "down", "on", "off"
+  uint32_t reason = 0;
+  double timeout_seconds = inspect::kUsualTimeoutSeconds;
+};
 
 struct answered_notice {
   inspect::notice_order notice;
@@ -84,20 +115,6 @@ exit_code notify_about_interfaces(const command_context& context, const notify_o
   return send_notices(context, manager, notices);
 }
 
-} // namespace
-
-exit_code install_vsans(const command_context& context, const install_options& options) {
-  inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
-  inspect::install_order order{options.uninstall, {}, {}};
-  order.vsans = inspect::parse_numbers(inspect::kVsan, {options.vsans}, inspect::vsans_of(manager.chassis()));
-  order.if_indexes = inspect::parse_interfaces(manager.chassis(), options.interfaces);
-  if (order.vsans.empty() || order.if_indexes.empty())
-    throw inspect::question_error("this switch has no VSANs, or no interfaces, that \"all\" means");
-  const uint32_t status = inspect::order_install(manager, order);
-  context.print(document_of<answered_install>(kInstallColumns, {{order, status}}));
-  return status == 0 ? kFound : kNotFound;
-}
-
 exit_code notify_vsan(const command_context& context, const notify_options& options) {
   inspect::manager_client manager(managed_folder(context), options.timeout_seconds);
   std::vector<inspect::notice_order> notices;
@@ -123,23 +140,6 @@ exit_code notify_rnid(const command_context& context, const notify_options& opti
 }
 
 // ---- The commands ----
-
-command install_command() {
-  auto options = std::make_shared<install_options>();
-  return {.name = "install",
-          .what = "Have the manager install FICON in VSANs for interfaces: bind them to it",
-          .examples =
-              "  chnsw -s /tmp/director install 30 fc1/1-4\n"
-              "  chnsw -s /tmp/director install 30,31 fc1/1-4,fc2/1\n"
-              "  chnsw -s /tmp/director install 30 fc1/1-4 --uninstall",
-          .arguments = {vsans_word(&options->vsans), interfaces_word(&options->interfaces),
-                        flag("--uninstall", &options->uninstall, "Take the VSANs out instead"),
-                        timeout_option(&options->timeout_seconds)},
-          .run = runs(install_vsans, options),
-          .parts = {}};
-}
-
-namespace {
 
 argument state_word(notify_options& options, const std::string& on, const std::string& off) {
   return word("STATE", &options.state, fmt::format("{} or {}", on, off)).one_of({on, off});
@@ -191,6 +191,21 @@ command notify_rnid_command() {
 }
 
 } // namespace
+
+command install_command() {
+  auto options = std::make_shared<install_options>();
+  return {.name = "install",
+          .what = "Have the manager install FICON in VSANs for interfaces: bind them to it",
+          .examples =
+              "  chnsw -s /tmp/director install 30 fc1/1-4\n"
+              "  chnsw -s /tmp/director install 30,31 fc1/1-4,fc2/1\n"
+              "  chnsw -s /tmp/director install 30 fc1/1-4 --uninstall",
+          .arguments = {vsans_word(&options->vsans), interfaces_word(&options->interfaces),
+                        flag("--uninstall", &options->uninstall, "Take the VSANs out instead"),
+                        timeout_option(&options->timeout_seconds)},
+          .run = runs(install_vsans, options),
+          .parts = {}};
+}
 
 command notify_command() {
   return {.name = "notify",

@@ -3,6 +3,10 @@
 
 #include <fmt/format.h>
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "inspect/port_map/explanation.h"
 #include "inspect/port_map/port_answer.h"
 #include "inspect/words/number_lists.h"
@@ -18,6 +22,14 @@ namespace {
 using inspect::explanation;
 using inspect::library_session;
 using inspect::port_answer;
+
+struct resolve_options {
+  std::vector<std::string> what;
+  std::optional<std::string> vsan; // addresses and numbers
+  bool fast = false;               // the same: through the library's _fast forms
+  bool skip_lag_check = false;     // interfaces: answer a port-channel's member like any port
+  bool explain = false;
+};
 
 // Answers as a document, which remembers whether every question was answered.
 class answer_document {
@@ -57,8 +69,6 @@ inspect::search_options search_of(const resolve_options& options) {
 std::string slot_text(const vswitch::fc_port& port) {
   return fmt::format("slot {}, port {}", port.slot, port.port);
 }
-
-} // namespace
 
 exit_code resolve_addresses(const command_context& context, const resolve_options& options) {
   const library_session session = context.open_session();
@@ -115,8 +125,6 @@ exit_code resolve_indexes(const command_context& context, const resolve_options&
 }
 
 // ---- The commands ----
-
-namespace {
 
 argument question_words(resolve_options& options, const std::string& what) {
   return word("WHAT", &options.what, what).offering({"all"});

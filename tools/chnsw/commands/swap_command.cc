@@ -1,5 +1,9 @@
 #include "commands/swap_command.h"
 
+#include <cstdint>
+#include <string>
+
+#include "inspect/messages/manager_client.h"
 #include "inspect/messages/swap_session.h"
 #include "inspect/words/port_lists.h"
 #include "output/port_row.h"
@@ -11,6 +15,14 @@ namespace chnsw_tool {
 namespace {
 
 using inspect::swap_event;
+
+struct swap_options {
+  std::string a;
+  std::string b;
+  std::string refuse;                                         // the step that is refused, the first time; empty: none
+  uint32_t reason = 1;                                        // the swap status that refuses it
+  double timeout_seconds = 2 * inspect::kUsualTimeoutSeconds; // longer than the manager waits for an answer
+};
 
 const record_column<swap_event> kSwapColumns[] = {
     {{"swap", "SWAP"}, [](const swap_event& event) { return optional_cell(event.swap); }},
@@ -31,8 +43,6 @@ const record_column<swap_event> kSwapColumns[] = {
     {{"status", "STATUS"}, [](const swap_event& event) { return status_cell(event.status); }},
 };
 
-} // namespace
-
 exit_code swap_interfaces(const command_context& context, const swap_options& options) {
   const uint32_t a = inspect::parse_interface(options.a);
   const uint32_t b = inspect::parse_interface(options.b);
@@ -48,6 +58,8 @@ exit_code swap_interfaces(const command_context& context, const swap_options& op
   });
   return event.status == 0U ? kFound : kNotFound;
 }
+
+} // namespace
 
 command swap_command() {
   auto options = std::make_shared<swap_options>();

@@ -3,6 +3,9 @@
 
 #include <fmt/format.h>
 
+#include <string>
+#include <vector>
+
 #include "inspect/chassis/switch_changes.h"
 #include "inspect/mainframe/tod_answers.h"
 #include "inspect/mainframe/tod_explanation.h"
@@ -22,6 +25,20 @@ using inspect::named_moment;
 using inspect::time_stamp;
 using inspect::tod_answer;
 using vswitch::instant;
+
+struct tod_options {
+  std::vector<std::string> what; // moments, or "-" for the lines of standard input
+  std::string vsans;             // whose time stamps are asked for in their place
+  std::string at;                // the host's time for them; now when empty
+  unsigned leap_seconds = 0;     // that the TOD clock is ahead of UTC
+  bool explain = false;
+};
+
+struct set_time_options {
+  std::string vsan;
+  std::string host_time; // or "none"
+  std::string tod;       // empty: the TOD clock says the same as the host's
+};
 
 constexpr inspect::number_kind kTimedVsan = {"VSAN", 10, 1, 4095, "10"};
 
@@ -215,8 +232,6 @@ exit_code show_stamps(const command_context& context, const tod_options& options
   return code;
 }
 
-} // namespace
-
 exit_code show_tod(const command_context& context, const tod_options& options) {
   if (options.vsans.empty() == options.what.empty())
     throw inspect::question_error(options.what.empty()
@@ -235,6 +250,8 @@ exit_code set_time(const command_context& context, const set_time_options& optio
   context.print(difference_document("BEFORE", "AFTER", changes));
   return kFound;
 }
+
+} // namespace
 
 // ---- The commands ----
 

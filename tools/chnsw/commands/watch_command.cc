@@ -2,16 +2,17 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <utility>
 
-#include "commands/map_commands.h"
 #include "inspect/chassis/switch_watch.h"
 #include "inspect/port_map/map_entries.h"
 #include "inspect/words/printable_text.h"
 #include "interruption.h"
 #include "output/difference_columns.h"
+#include "output/map_document.h"
 #include "output/row_stream.h"
 
 namespace chnsw_tool {
@@ -20,6 +21,11 @@ namespace {
 
 using inspect::difference;
 using draw_function = std::function<void(const std::vector<difference>&)>;
+
+struct watch_options {
+  double interval_seconds = 1;
+  uint64_t count = 0; // draws before it ends by itself; 0: never
+};
 
 // Draws the switch at once, and again whenever it has changed.
 void draw_changes(const command_context& context, const watch_options& options, const interruption& stop,
@@ -67,8 +73,6 @@ void watch_as_data(const command_context& context, const watch_options& options,
   });
 }
 
-} // namespace
-
 exit_code watch_switch(const command_context& context, const watch_options& options) {
   const std::string& folder =
       context.named_folder("it does not change by itself; watch needs a switch's folder (chnsw create)");
@@ -80,6 +84,8 @@ exit_code watch_switch(const command_context& context, const watch_options& opti
     watch_as_data(context, options, stop, watch);
   return kFound;
 }
+
+} // namespace
 
 command watch_command() {
   auto options = std::make_shared<watch_options>();
