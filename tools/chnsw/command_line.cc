@@ -159,7 +159,7 @@ std::vector<argument> general_options(parsed_command_line& line) {
               .path()
               .or_variable("CHNSW_SWITCH"),
           option("--format", "FORM", &line.format, "Form of the result: table (default), json, jsonl, csv")
-              .one_of({"table", "json", "jsonl", "csv"}),
+              .one_of(format_names()),
           option("--color", "WHEN", &line.colour,
                  "Colour: auto (default: on a terminal, unless NO_COLOR is set), always, never")
               .one_of({"auto", "always", "never"})};

@@ -29,12 +29,6 @@ bool wants_colour(const std::string& choice, const result_stream& results) {
   return !is_set("NO_COLOR") && !dumb && results.is_terminal();
 }
 
-output_format format_named(const std::string& name) {
-  if (name == "json") return output_format::json;
-  if (name == "jsonl") return output_format::jsonl;
-  return name == "csv" ? output_format::csv : output_format::table;
-}
-
 exit_code run(int argc, char** argv, result_stream& results) {
   if (argc > 1 && std::string_view(argv[1]) == kComplete) {
     results.write(completion_text(complete(std::vector<std::string>(argv + 2, argv + argc))));

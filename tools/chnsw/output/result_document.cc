@@ -3,6 +3,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 #include "inspect/enum_rows.h"
@@ -18,6 +20,7 @@ using nlohmann::ordered_json;
 
 struct document_form {
   output_format format;
+  std::string_view name;
   std::string (*document)(const result_document& document, bool colour);
   std::string (*record)(const ordered_json& record, const std::string& table);
   std::string (*begin)(const std::vector<column>& columns, bool colour);
@@ -26,10 +29,11 @@ struct document_form {
 };
 
 constexpr document_form kForms[] = {
-    {output_format::table, table_document, table_record, table_begin, table_row, table_end},
-    {output_format::json, json_document, json_record, json_begin, json_row, json_end},
-    {output_format::jsonl, json_lines_document, json_lines_record, json_lines_begin, json_lines_row, json_lines_end},
-    {output_format::csv, csv_document, csv_record, csv_begin, csv_row, csv_end},
+    {output_format::table, "table", table_document, table_record, table_begin, table_row, table_end},
+    {output_format::json, "json", json_document, json_record, json_begin, json_row, json_end},
+    {output_format::jsonl, "jsonl", json_lines_document, json_lines_record, json_lines_begin, json_lines_row,
+     json_lines_end},
+    {output_format::csv, "csv", csv_document, csv_record, csv_begin, csv_row, csv_end},
 };
 static_assert(inspect::has_row_for_each(kForms, &document_form::format, output_format::csv));
 
@@ -47,6 +51,18 @@ constexpr tone_row kTones[] = {
 static_assert(inspect::has_row_for_each(kTones, &tone_row::colour, tone::strong));
 
 } // namespace
+
+std::vector<std::string> format_names() {
+  std::vector<std::string> names;
+  for (const auto& form : kForms) names.emplace_back(form.name);
+  return names;
+}
+
+output_format format_named(std::string_view name) {
+  const auto* form =
+      std::find_if(std::begin(kForms), std::end(kForms), [&](const auto& each) { return each.name == name; });
+  return form == std::end(kForms) ? output_format::table : form->format;
+}
 
 std::string coloured(std::string_view text, tone colour, bool enabled) {
   std::string_view code = kTones[static_cast<size_t>(colour)].code;

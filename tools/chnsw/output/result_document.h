@@ -17,6 +17,9 @@ namespace chnsw_tool {
 
 enum class output_format { table, json, jsonl, csv };
 
+std::vector<std::string> format_names();           // as --format takes them
+output_format format_named(std::string_view name); // table for any other name
+
 struct output_style {
   output_format format = output_format::table;
   bool colour = false; // tables only
