@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "campus_switch.h"
+
 namespace chnsw_test {
 
 struct tool_result {
@@ -19,9 +21,7 @@ struct tool_result {
   std::string err;
 };
 
-// A six-slot switch: eight ports in slots 1 and 2, four in slot 5. VSANs 10 and 20 both use addresses 00 to 03; fc5/1 and
-// fc5/2 are port-channel1.
-extern const char kCampus[];
+inline const std::string& kCampus = campus_switch::kWhole; // campus.toml of every test
 
 class tool_test : public testing::Test {
  protected:
