@@ -30,7 +30,7 @@ std::string converted(uint32_t mode, uint32_t codepage, std::string text) {
 } // namespace
 
 bool is_known_codepage(uint32_t codepage) {
-  return std::string_view(ficon_get_codepage_name(codepage)) != ficon_get_codepage_name(0); // what any other is called
+  return std::string_view(ficon_get_codepage_name(codepage)) != ficon_get_codepage_name(0); // the name of every unknown one
 }
 
 std::vector<uint32_t> known_codepages() {

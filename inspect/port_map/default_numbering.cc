@@ -49,12 +49,12 @@ bool is_default(const entry_list& entries) {
   return answer == 1;
 }
 
-// Which places the library minds only the library knows, so each is put into the layout alone and the library is asked
-// about it.
-std::optional<uint32_t> first_difference(const entry_list& expected, const entry_list& found, bool library_minds) {
+// Only the library knows which entries it compares. Where it calls the layout itself the default, each difference is put into
+// the layout alone, and the library is asked whether that is still the default.
+std::optional<uint32_t> first_difference(const entry_list& expected, const entry_list& found, bool can_be_default) {
   for (uint32_t index = 0; index < FICON_PMAP_PORT_ENTRIES; ++index) {
     if (expected[index].pn == found[index].pn) continue;
-    if (!library_minds) return index;
+    if (!can_be_default) return index;
     entry_list changed = expected;
     changed[index].pn = found[index].pn;
     if (!is_default(changed)) return index;

@@ -87,7 +87,7 @@ bool is_same_entry(bool by_address, const considered_entry& seen, const traced_e
 
 void compare_with_trace(const explanation& explained, const translation_rules& rules, const search_result& found,
                         const library_trace& trace) {
-  // Of a number the library traces the entries that count alone, of an address every entry that carries it.
+  // For a port number the library traces only the entries that count, for a port address every entry that carries it.
   std::vector<considered_entry> expected;
   std::copy_if(found.entries.begin(), found.entries.end(), std::back_inserter(expected),
                [&rules](const auto& seen) { return rules.by_address || seen.counts; });

@@ -11,7 +11,7 @@ namespace inspect {
 
 namespace {
 
-// The library looks the interface of an index without a physical port up by its number, without a test.
+// For an index without a physical port the library reads its table of interfaces at the port number, without a range check.
 std::optional<uint32_t> interface_at(const library_session& session, uint32_t index, uint32_t pn) {
   if (index >= FICON_PMAP_PHYS_ENTRIES && pn >= session.ports()) return std::nullopt;
   uint32_t interface = 0;

@@ -41,7 +41,7 @@ bool is_between(const std::string& word, double lowest, double highest) {
          static_cast<double>(read) <= highest;
 }
 
-// CLI11 tells bounds of its own in full, even those of all numbers.
+// Not CLI::Range: the help would show its bounds, even those that are only the limits of the type.
 CLI::Validator range_check(const argument& described) {
   const bool has_fraction = std::holds_alternative<double*>(described.value);
   return {[has_fraction, lowest = described.lowest, highest = described.highest](const std::string& word) -> std::string {
@@ -78,7 +78,7 @@ void add_argument(CLI::App& app, const argument& described) {
   if (!described.variable.empty()) made->envname(described.variable);
 }
 
-// Options that know of each other, once all of them are there.
+// Which options exclude or need each other; called when all options of the command are there.
 void add_relations(CLI::App& app, const argument& described) {
   if (!described.excludes.empty()) app.get_option(described.name)->excludes(app.get_option(described.excludes));
   if (!described.needs.empty()) app.get_option(described.name)->needs(app.get_option(described.needs));
@@ -142,7 +142,7 @@ std::string help_command(const CLI::App& app) {
   return command + " --help";
 }
 
-// What is wrong, and what a command that wants another one after it would take there.
+// What is wrong; when a command lacks the part that must follow it, or has a wrong one there, which parts there are.
 std::string complaint(const CLI::App& app, const CLI::ParseError& error) {
   auto read = commands_read(app);
   bool is_required = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);

@@ -55,7 +55,7 @@ class line_reader {
       line_.words.push_back(word);
   }
 
-  // The value is passed over with it, or is what is being typed.
+  // Skips the option and its value. When the value is what is being typed, the option is the awaited one.
   void take_option(const std::string& word) {
     const argument* named = line_.chosen ? find(line_.chosen->arguments, word) : nullptr;
     if (!named) named = find(general_, word);
@@ -78,7 +78,7 @@ void offer_value(const argument& of, std::span<const std::string> words, complet
   found.words = of.choices.empty() && of.offered ? of.offered(words) : of.choices;
 }
 
-// The long one of an option's names.
+// "--switch" of "-s,--switch".
 std::string long_name(const argument& option) {
   return option.name.substr(option.name.rfind(',') + 1);
 }
@@ -118,7 +118,7 @@ completion complete(std::span<const std::string> words) {
     found.typed = before.back();
     before.pop_back();
   }
-  if (found.typed == "=") { // bash hands over the sign itself when nothing is typed behind it yet
+  if (found.typed == "=") { // from bash, as long as nothing is typed after the sign
     before.push_back("=");
     found.typed.clear();
   }

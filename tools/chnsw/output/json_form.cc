@@ -40,7 +40,7 @@ ordered_json row_data(const std::vector<column>& columns, const result_row& row)
   return object;
 }
 
-// Names come from files: what is not UTF-8 in them must not cost the whole result.
+// Names come from files and may not be UTF-8; wrong bytes are replaced, so that the rest of the result is still written.
 std::string dump(const ordered_json& value, int indent) {
   return value.dump(indent, ' ', false, ordered_json::error_handler_t::replace);
 }

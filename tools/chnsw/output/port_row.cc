@@ -17,7 +17,7 @@ void add_status(std::string_view label, std::optional<uint32_t> code, std::strin
   text += std::string(label) + inspect::status_text(*code);
 }
 
-// What failed, first things first: without a number the rest could only fail as well.
+// The first call that failed: without a port number the look-ups of interfaces could only fail as well.
 cell status_summary(const port_answer& answer) {
   if (!answer.status) return toned_text{"not asked", tone::bad};
   if (*answer.status != 0) return toned_text{inspect::status_text(*answer.status), tone::bad};

@@ -41,7 +41,7 @@ bool result_stream::is_terminal() const {
   return fd_.open() && ::isatty(fd_.number()) == 1;
 }
 
-// Asked for no event, poll still tells that the other end is gone; for a file it just sleeps.
+// Standard output is polled for no event: a closed pipe is reported all the same, and a file never wakes the wait.
 void result_stream::wait(std::initializer_list<int> descriptors, int timeout_ms) const {
   std::vector<pollfd> ends = {{fd_.number(), 0, 0}};
   for (int descriptor : descriptors) ends.push_back({descriptor, POLLIN, 0});
