@@ -41,10 +41,10 @@ if(CHNSW_CHECKED)
   add_link_options(-fprofile-instr-generate)
 endif()
 
-# check_what_runs(<target>): of what is shipped. Counts are written when a process ends, and when it unloads a library.
+# check_what_runs(<target> [<option>...]): of what is shipped, with these options besides. Counts are written when a process ends, and when it unloads a library.
 function(check_what_runs target)
   if(CHNSW_CHECKED)
-    target_compile_options(${target} PRIVATE -fprofile-instr-generate -fcoverage-mapping -fcoverage-compilation-dir=.
+    target_compile_options(${target} PRIVATE ${ARGN} -fprofile-instr-generate -fcoverage-mapping -fcoverage-compilation-dir=.
                                              -fsanitize=fuzzer-no-link)
   endif()
 endfunction()

@@ -1,4 +1,5 @@
 #include "manager_test.h"
+#include "child_end.h"
 
 #include <gmock/gmock.h>
 #include <platform/tlv_aligned_array.h>
@@ -55,7 +56,9 @@ running_manager::running_manager(std::string folder, int swap_patience_ms)
 }
 
 running_manager::~running_manager() {
-  if (runs_) kill_at_once();
+  if (!runs_) return;
+  kill(process_.pid, SIGCONT); // a test may have stopped it
+  end();
 }
 
 void running_manager::kill_at_once() {
@@ -108,9 +111,9 @@ pid_t in_child(const std::function<void()>& act) {
     act();
   } catch (const std::exception& error) {
     std::fprintf(stderr, "a client: %s\n", error.what());
-    _exit(2);
+    end_child(2);
   }
-  _exit(testing::Test::HasFailure() ? 1 : 0);
+  end_child(testing::Test::HasFailure() ? 1 : 0);
 }
 
 bool ended_well(pid_t child) {

@@ -1,4 +1,5 @@
 #include "message_parties.h"
+#include "child_end.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -137,10 +138,10 @@ other_process::other_process(const std::function<int(const line&)>& act) {
   if (pid_ != 0) return;
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   try {
-    _exit(act(line(socket_)));
+    end_child(act(line(socket_)));
   } catch (const std::exception& error) {
     fprintf(stderr, "other process: %s\n", error.what());
-    _exit(99);
+    end_child(99);
   }
 }
 

@@ -17,6 +17,7 @@
 #include <thread>
 #include <utility>
 
+#include "child_end.h"
 #include "test_switch.h"
 
 namespace {
@@ -52,7 +53,7 @@ class SharedSwitch : public ::testing::Test {
       try {
         for (;;) act();
       } catch (...) {
-        _exit(1);
+        end_child(1);
       }
     }
     ~child_process() {
@@ -186,7 +187,7 @@ TEST_F(SharedSwitch, ReaderThatIsHeldUpInTheMiddleOfItsCopyHasAWholeMapAllTheSam
     if (writer == 0) {
       auto change = changes();
       for (int i = 0; i < 5; ++i) change();
-      _exit(0);
+      end_child(0);
     }
     waitpid(writer, nullptr, 0);
   };
@@ -214,7 +215,7 @@ TEST_F(SharedSwitch, ProcessesNoticeThatTheSwitchWasReplaced) {
     auto other = numbered_switch(5);
     other.type = 38;
     switch_store::create(path(), other);
-    _exit(0);
+    end_child(0);
   }
   int status = 0;
   waitpid(creator, &status, 0);
@@ -230,7 +231,7 @@ TEST_F(SharedSwitch, ForkedClientIsServedByTheSameFolder) {
   const pid_t child = fork();
   if (child == 0) {
     switch_in_use()->change_map([](port_map& map) { map = map_of(12); });
-    _exit(chassis_in_use()->type == 32 ? 0 : 1);
+    end_child(chassis_in_use()->type == 32 ? 0 : 1);
   }
   int status = 0;
   waitpid(child, &status, 0);

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "child_end.h"
 #include "test_switch.h"
 
 namespace {
@@ -226,7 +227,7 @@ TEST_P(SwitchStore, ForkedProcessReadsTheSwitch) {
   if (child == 0) {
     const bool same = counter_in(*store) == 7 && store->generation() == 1 && store->describe() == small_switch();
     store->change_map([](port_map& map) { map = map_of(3); });
-    _exit(same && number_of(store->describe().map) == 3 ? 0 : 1);
+    end_child(same && number_of(store->describe().map) == 3 ? 0 : 1);
   }
   int status = 0;
   waitpid(child, &status, 0);
@@ -271,7 +272,7 @@ TEST(SwitchInMemory, ForkedProcessKeepsWhatWasThereWhenItFirstLooked) {
     bool good = counter_in(*store) == 7 && write(looked[1], &word, 1) == 1 && read(changed[0], &word, 1) == 1;
     good = good && store->look_up(2, as_key(key), vsans.data(), sizeof vsans);
     for (uint16_t vsan : vsans) good = good && vsan == 1;
-    _exit(good ? 0 : 1);
+    end_child(good ? 0 : 1);
   }
   ASSERT_EQ(read(looked[0], &word, 1), 1);
   for (uint16_t number = 2; number < 10; ++number) store->change_map([&](port_map& map) { map = map_of(number); });

@@ -10,6 +10,7 @@
 #include <functional>
 #include <thread>
 
+#include "child_end.h"
 #include "store/lmdb/manager_lock.h"
 #include "test_switch.h"
 
@@ -39,7 +40,7 @@ class other_process {
     if (pid_ != 0) return;
     std::swap(to_, from_);
     run(*this);
-    _exit(0);
+    end_child(0);
   }
   ~other_process() {
     if (pid_ > 0) end();
