@@ -46,8 +46,8 @@ managed_switch_test::managed_switch_test() {
 
 managed_switch_test::~managed_switch_test() {
   for (pid_t tool : running_) {
+    ::kill(tool, SIGCONT); // a test may have stopped it; behind SIGTERM this would disturb the leak check at its end
     ::kill(tool, SIGTERM);
-    ::kill(tool, SIGCONT); // a test may have stopped it
     ::waitpid(tool, nullptr, 0);
   }
 }
