@@ -129,7 +129,7 @@ std::string parse_node(const given_value& given, uint32_t codepage) {
   std::string text;
   std::string_view rest = given.text;
   for (const auto& part : vswitch::kNodeTexts) {
-    const bool is_last = part.name == vswitch::kNodeTexts.back().name;
+    const bool is_last = &part == &vswitch::kNodeTexts.back();
     const size_t dash = rest.find('-');
     if (is_last != (dash == std::string_view::npos)) given.refuse(std::string(form_text(field_form::node)));
     text += node_part(given, part, rest.substr(0, dash));
