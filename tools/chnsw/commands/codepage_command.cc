@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -163,6 +164,7 @@ std::vector<converted_text> texts_to_host(const std::vector<uint32_t>& codepages
 std::vector<converted_text> texts_from_host(const std::vector<uint32_t>& codepages, const codepage_options& options) {
   std::vector<converted_text> texts;
   const std::string host = bytes_of_words(options.from_host);
+  texts.reserve(codepages.size());
   for (uint32_t codepage : codepages) texts.push_back(inspect::text_from_host(codepage, host));
   return texts;
 }
@@ -187,9 +189,10 @@ exit_code show_codepages(const command_context& context, const codepage_options&
 // ---- The command ----
 
 std::vector<std::string> offered_codepages(std::span<const std::string>) {
-  std::vector<std::string> words;
-  for (uint32_t codepage : inspect::known_codepages()) words.push_back(std::to_string(codepage));
-  words.emplace_back("all");
+  std::vector<std::string> words = {"all"};
+  const auto known = inspect::known_codepages();
+  std::transform(known.begin(), known.end(), std::inserter(words, words.begin()),
+                 [](uint32_t codepage) { return std::to_string(codepage); });
   return words;
 }
 

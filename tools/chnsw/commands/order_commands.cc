@@ -99,6 +99,7 @@ const record_column<answered_notice> kNoticeColumns[] = {
 exit_code send_notices(const command_context& context, inspect::manager_client& manager,
                        const std::vector<inspect::notice_order>& notices) {
   std::vector<answered_notice> sent;
+  sent.reserve(notices.size());
   for (const auto& notice : notices) sent.push_back({notice, inspect::order_notice(manager, notice)});
   context.print(document_of<answered_notice>(kNoticeColumns, sent));
   const bool all_sent = std::all_of(sent.begin(), sent.end(), [](const auto& one) { return one.answer.status == 0; });
