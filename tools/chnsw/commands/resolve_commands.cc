@@ -19,7 +19,6 @@ namespace chnsw_tool {
 
 namespace {
 
-using inspect::explanation;
 using inspect::library_session;
 using inspect::port_answer;
 
